@@ -1,0 +1,140 @@
+// The stack machine: instructions, the code generator that fills the code
+// store, and the interpreter that owns the code store and the stack.
+#pragma once
+
+#include <cstdint>
+
+#include "qelkern/platform.h"
+#include "qelkern/value.h"
+
+// Opcodes (Instruction::f).
+enum Opcode : int {
+    LIT = 0,
+    OPR = 1,
+    LOD = 2,
+    STO = 3,
+    CALL = 4,
+    INT = 5,
+    JMP = 6,
+    JPC = 7,
+    LODI = 8,
+    STOI = 9,
+    SWAP = 10,
+    EXTCALL = 11,
+};
+
+// Sub-operations of OPR (Instruction::a).
+enum Operation : int {
+    oprRet = 0,
+    oprNegate = 1,
+    oprPlus = 2,
+    oprMinus = 3,
+    oprTimes = 4,
+    oprDivide = 5,
+    oprEqual = 6,
+    oprNotEqual = 7,
+    oprLess = 8,
+    oprGreaterEqual = 9,
+    oprGreater = 10,
+    oprLessEqual = 11,
+    oprReadInt = 12,
+    oprWrite = 13,
+    oprDecrement = 14,
+    oprIncrement = 15,
+    oprIntCast = 16,
+    oprDoubleCast = 17,
+    oprReadDouble = 18,
+    oprBitOr = 19,
+    oprBitAnd = 20,
+    oprBitNot = 21,
+    oprOr = 22,
+    oprAnd = 23,
+    oprNot = 24,
+};
+
+constexpr int instructionNameCount = 12;
+constexpr int operationNameCount = 25;
+QELKERN_API extern CString InstructionNames[instructionNameCount];
+QELKERN_API extern CString OperationNames[operationNameCount];
+
+// Name of the listing file; empty (the default) switches the listing off.
+QELKERN_API extern CString DebugListingFile;
+
+class QELKERN_API Instruction : public CObject {
+public:
+    Instruction() = default;
+    Instruction(const Instruction& other) = default;
+    ~Instruction() override;
+    Instruction& operator=(const Instruction& other);
+
+    // The listing line of this instruction at address `index`, with its line feed.
+    CString GetText(int index) const;
+
+    uint8_t f = 0;
+    int l = 0;
+    // Address, offset, count or OPR sub-operation; in EXTCALL the callback,
+    // which is why it is as wide as a pointer.
+    intptr_t a = 0;
+    VALUE value = MakeNoValue();
+    CString comment;
+
+private:
+    static VALUE MakeNoValue() { VALUE v; v.type = 0; return v; }
+};
+
+class CInterpreter;
+
+// Thrown (as a pointer) on the compiler's error path only.
+class QELKERN_API CQELException : public CException {
+public:
+    explicit CQELException(const CString& text);
+    ~CQELException() override;
+    bool GetErrorMessage(char* buffer, unsigned maxLength) const override;
+    const CString& GetText() const { return text; }
+
+private:
+    CString text;
+};
+
+class QELKERN_API CGenerator : public CObject {
+public:
+    explicit CGenerator(CInterpreter* interpreter);
+    ~CGenerator() override;
+
+    void Gen(int f, int l, intptr_t a, CString comment = CString());
+    void Gen(int f, int l, VALUE value, CString comment = CString());
+    int Label() const { return cx; }
+    void fixup(int at);
+    void fixup(CUIntArray* list, int target);
+    void TesteCode(int n);
+    void err(CString text);
+    void DebugFlushToFile();
+
+    int failed = 0;
+    int cx = 0;
+    CInterpreter* interpreter;
+    CStdioFile listFile;
+};
+
+class QELKERN_API CInterpreter : public CObject {
+public:
+    CInterpreter();
+    ~CInterpreter() override;
+    CInterpreter(const CInterpreter&) = delete;
+    CInterpreter& operator=(const CInterpreter&) = delete;
+
+    void Interpret();
+    int base(int l);
+    int TesteStack(int n);
+    void err(CString text);
+
+    Instruction* code;
+    int p = 0;
+    int b = 0;
+    int t = 0;
+    VALUE* stack;
+    int failed = 0;
+    int codeCapacity = 10000;
+    int stackCapacity = 10000;
+    int stackLimit = 1047552;
+};
