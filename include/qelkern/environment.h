@@ -12,7 +12,7 @@ class CDocument;
 // One row of the routine table: the name scripts declare with EXTERN, and the callback.
 class QELKERN_API CPredefined : public CObject {
 public:
-    CPredefined(CString name, PredefinedRoutine routine) : name(name), routine(routine) {}
+    CPredefined(CString routineName, PredefinedRoutine callback) : name(routineName), routine(callback) {}
     ~CPredefined() override;
 
     CString name;

@@ -45,7 +45,7 @@ public:
 // One row of the table of TYPEDEF types; the root row is "integer".
 class QELKERN_API CPredefinedTyp : public CObject {
 public:
-    explicit CPredefinedTyp(int symbol) : symbol(symbol) {}
+    explicit CPredefinedTyp(int tag) : symbol(tag) {}
     ~CPredefinedTyp() override;
 
     CString name;

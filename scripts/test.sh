@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Builds and runs every test twice: a normal build (with the Qt parts when
+# Qt 6 is installed), and a build under AddressSanitizer and
+# UndefinedBehaviorSanitizer.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+jobs=$(nproc 2>/dev/null || echo 2)
+
+echo "== normal build =="
+cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo > /dev/null
+cmake --build build -j"$jobs"
+QT_QPA_PLATFORM=offscreen ctest --test-dir build --output-on-failure -j"$jobs"
+
+echo "== sanitizer build =="
+cmake -S . -B build-sanitize -DCMAKE_BUILD_TYPE=Debug -DQELKERN_SANITIZE=ON -DQELKERN_QT=OFF > /dev/null
+cmake --build build-sanitize -j"$jobs"
+ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+  ctest --test-dir build-sanitize --output-on-failure -j"$jobs"
