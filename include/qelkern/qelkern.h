@@ -10,3 +10,4 @@
 #include "qelkern/scanner.h"
 #include "qelkern/parser.h"
 #include "qelkern/environment.h"
+#include "qelkern/dialogs.h"
