@@ -141,4 +141,42 @@ public:
 private:
     // Every Object the parser made, for the destructor.
     CArrayT<Object*> allObjects;
+
+    // Helpers of the productions (language/).
+    struct BlockFrame;
+    int LevelOf(const Object* entry) const { return level - entry->level; }
+    void ReadOn();
+    bool Declarations(BlockFrame& frame);
+    void ConstSection();
+    void TypeConstant(Object* constant, Symbol declared);
+    bool VarSection(BlockFrame& frame);
+    bool ArrayVariables(BlockFrame& frame, CPtrArray& group);
+    bool ArrayType(int& size, Symbol& elementType, const char* elementTypeMessage);
+    bool ClaimCells(int& nextAddress, long long cells);
+    void ReservePendingCells(BlockFrame& frame);
+    void InitialiseVariables(const BlockFrame& frame);
+    bool RoutineDeclaration();
+    bool FunctionType(Object* routine);
+    void DeclareResultVariable(Object* function, int address);
+    void AssignParameterAddresses(Object* routine, int& nextAddress);
+    bool ExternDeclaration();
+    void IdentifierStatement();
+    void CompoundStatement();
+    void Assignment(Object* target);
+    void Becomes();
+    void IfStatement();
+    void Then();
+    void PatchToHere(int at);
+    void JumpOut(CUIntArray* list, const char* message, const char* comment);
+    Symbol PrefixExpression();
+    Symbol LogicalChain(Symbol left);
+    Symbol IdentifierFactor();
+    Symbol NegativeLiteral();
+    Symbol High();
+    void RoutineCall(Object* routine);
+    void ValueArgument(Object* routine, Object* parameter);
+    bool VariableArgument(Object* routine, Object* parameter, CPtrArray& list);
+    void PushArrayCopy(Object* variable, bool hostStrings);
+    void TakeBack(Object* variable);
+    void HostStringCell();
 };
