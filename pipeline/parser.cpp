@@ -1,0 +1,94 @@
+// The parser's frame: construction, the top of the parse, error reporting.
+#include "qelkern/parser.h"
+
+#include "qelkern/userinterface.h"
+
+namespace {
+
+const char* const numberedErrors[] = {
+    "",
+    "Verwende \"=\" anstatt \":=\".",
+    "Nach \"=\" muss eine Zahl folgen.",
+    "Nach dem Bezeichner muss \"=\" folgen.",
+    "Nach CONST, VAR, oder PROCEDURE muss ein Bezeichner folgen.",
+    "Strichpunkt (oder Komma) fehlt.",
+    "Ein Ausdruck kann nicht mit diesem Symbol beginnen.",
+    "Schliessende Klammer fehlt.",
+    "Der vorangehende Operator kann nicht mit diesem Symbol enden.",
+    "Hier wird ein Punkt erwartet.",
+    "Inkorrektes Symbol in einer Anweisung.",
+    "Dieser Bezeichner ist nicht vereinbart.",
+    "Zuweisungen zu Konstanten und Prozeduren sind nicht erlaubt.",
+    "Zuweisungsoperator ist \":=\".",
+    "Nach \"CALL\" muss ein Bezeichner folgen.",
+    "Aufruf(call) einer Konstanten oder Variablen ist nicht erlaubt.",
+    "Hier wird THEN erwartet.",
+    "Hier wird \";\" oder END erwartet.",
+    "Hier wird DO erwartet.",
+    "Auf diese Anweisung folgt ein inkorrekt verwendetes Symbol.",
+    "Hier wird eine Relation erwartet.",
+    "Ein Ausdruck darf keinen Prozedurbezeichner enthalten.",
+    "Ein Bezeichner darf nur einmal vereinbart werden.",
+    "Zahl ist zu gross.",
+};
+
+const char* const errorTitle = "Fehler Parser";
+
+}  // namespace
+
+CParser::CParser(CScanner* scannerToRead, CGenerator* generatorToFill, bool showErrorsToUser)
+    : scanner(scannerToRead), generator(generatorToFill), showErrors(showErrorsToUser) {
+    CPredefinedTyp* root = new CPredefinedTyp(symInteger);
+    root->name = "integer";
+    PredefinedTypen.Add(root);
+
+    for (const char* text : numberedErrors) errorTexts.Add(text);
+    stopElseElsifEnd.Add(symElse);
+    stopElseElsifEnd.Add(symElsif);
+    stopElseElsifEnd.Add(symEnd);
+    stopEnd.Add(symEnd);
+    stopUntil.Add(symUntil);
+
+    undefinedObject = new Object();
+    undefinedObject->objectClass = Var;
+    level = 0;
+}
+
+CParser::~CParser() {
+    delete undefinedObject;
+    for (Object* obj : allObjects) delete obj;
+    allObjects.RemoveAll();
+}
+
+void CParser::Parse() {
+    scanner->GetSym();
+    NewBlock();
+    block("main");
+    DoneBlock();
+    if (scanner->sym != symPeriod) err(9);
+}
+
+void CParser::EndParser() {}
+
+void CParser::WriteString(const char*) {}
+
+void CParser::test(Symbol, int) {}
+
+void CParser::err(unsigned short n) {
+    ok = 0;
+    CString text = n < errorTexts.GetSize() ? errorTexts[n] : CString("<unbekannter Fehler>");
+    ZeigeFehlerText(errorTitle, text, scanner, showErrors);
+}
+
+void CParser::err(CString text) {
+    ok = 0;
+    ZeigeFehlerText(errorTitle, text, scanner, showErrors);
+}
+
+void CParser::warning(CString text) {
+    if (!showErrors) return;
+    CString message;
+    message.Format("Warnung Parser: Zeile: %d Position: %d: %s\n", scanner->line,
+                   scanner->position, static_cast<const char*>(text));
+    GetUserInterface().ShowMessage(message, "", CUserInterface::IconInformation);
+}

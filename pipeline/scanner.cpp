@@ -1,0 +1,181 @@
+// The scanner's frame: construction, reading characters, dispatching symbols,
+// reporting errors, splicing text.
+#include "qelkern/scanner.h"
+
+#include <climits>
+#include <new>
+
+#include "qelkern/parser.h"
+#include "qelkern/userinterface.h"
+
+namespace {
+
+struct KeywordRow {
+    Symbol sym;
+    const char* text;
+};
+
+// Order matters only for EnterKW's rows; lookup is by text.
+const KeywordRow keywordRows[] = {
+    {symDo, "DO"},           {symIf, "IF"},           {symEnd, "END"},
+    {symVar, "VAR"},         {symThen, "THEN"},       {symElse, "ELSE"},
+    {symElsif, "ELSIF"},     {symBegin, "BEGIN"},     {symConst, "CONST"},
+    {symWhile, "WHILE"},     {symRepeat, "REPEAT"},   {symUntil, "UNTIL"},
+    {symFor, "FOR"},         {symTo, "TO"},           {symDownto, "DOWNTO"},
+    {symBreak, "BREAK"},     {symContinue, "CONTINUE"}, {symLoop, "LOOP"},
+    {symDouble, "DOUBLE"},   {symInteger, "INTEGER"}, {symString, "STRING"},
+    {symArray, "ARRAY"},     {symOf, "OF"},           {symHigh, "HIGH"},
+    {symProcedure, "PROCEDURE"}, {symFunction, "FUNCTION"}, {symBitOr, "BITOR"},
+    {symBitAnd, "BITAND"},   {symBitNot, "BITNOT"},   {symOr, "OR"},
+    {symAnd, "AND"},         {symNot, "NOT"},         {symExit, "EXIT"},
+    {symExtern, "EXTERN"},   {symTypedef, "TYPEDEF"}, {symImport, "IMPORT"},
+};
+
+bool isBlank(char c) { return static_cast<unsigned char>(c) <= 32; }
+
+}  // namespace
+
+int istIdentifierAnfang(char c) {
+    const unsigned char u = static_cast<unsigned char>(c);
+    if (u == '_' || (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z')) return 1;
+    // ä ö ü ß Ä Ö Ü in Latin-1
+    switch (u) {
+        case 0xE4: case 0xF6: case 0xFC: case 0xDF: case 0xC4: case 0xD6: case 0xDC:
+            return 1;
+        default:
+            return 0;
+    }
+}
+
+int istIdentifierZeichen(char c) { return istIdentifierAnfang(c) || (c >= '0' && c <= '9'); }
+
+CScanner::CScanner(char* text, int textLength) {
+    PredefinedTypen.DeleteAll();
+    if (text != nullptr && textLength > 0) buffer.assign(text, text + textLength);
+    length = static_cast<int>(buffer.size());
+    for (const KeywordRow& row : keywordRows) EnterKW(row.sym, row.text);
+    nextType = firstTypedefTag;
+}
+
+CScanner::~CScanner() = default;
+
+void CScanner::EnterKW(Symbol symbol, const char* text) {
+    if (keywordCount >= keywordCapacity) return;
+    keywords[keywordCount] = CKeySym(symbol, text);
+    ++keywordCount;
+}
+
+void CScanner::GetCh() {
+    ++position;
+    // `length` is public; the buffer's own size is the hard bound.
+    if (index >= 0 && index < length && index < static_cast<int>(buffer.size())) {
+        ch = buffer[static_cast<size_t>(index)];
+        ++index;
+        if (ch == '\n') {
+            position = 0;
+            ++line;
+        }
+    } else {
+        eof = 1;
+        ch = 0;
+    }
+}
+
+void CScanner::GetSym() {
+    // A loop rather than recursion: comments and dropped characters in a row
+    // must not deepen the native stack.
+    for (;;) {
+        while (!eof && isBlank(ch)) GetCh();
+        if (eof) {
+            sym = symEof;
+            return;
+        }
+        if (ch >= '0' && ch <= '9') {
+            Number();
+            return;
+        }
+        if (istIdentifierAnfang(ch)) {
+            Identifier();
+            return;
+        }
+        switch (ch) {
+            case '"': string(); return;
+            case '#': sym = symNotEqual; GetCh(); return;
+            case '(':
+                GetCh();
+                if (ch == '*') {
+                    comment();
+                    continue;
+                }
+                sym = symLeftParen;
+                return;
+            case ')': sym = symRightParen; GetCh(); return;
+            case '*': sym = symTimes; GetCh(); return;
+            case '+': sym = symPlus; GetCh(); return;
+            case ',': sym = symComma; GetCh(); return;
+            case '-': sym = symMinus; GetCh(); return;
+            case '.': sym = symPeriod; GetCh(); return;
+            case '/': sym = symDivide; GetCh(); return;
+            case ':':
+                GetCh();
+                if (ch == '=') {
+                    GetCh();
+                    sym = symBecomes;
+                } else {
+                    sym = symColon;
+                }
+                return;
+            case ';': sym = symSemicolon; GetCh(); return;
+            case '<':
+                GetCh();
+                if (ch == '=') {
+                    GetCh();
+                    sym = symLessEqual;
+                } else {
+                    sym = symLess;
+                }
+                return;
+            case '=': sym = symEqual; GetCh(); return;
+            case '>':
+                GetCh();
+                if (ch == '=') {
+                    GetCh();
+                    sym = symGreaterEqual;
+                } else {
+                    sym = symGreater;
+                }
+                return;
+            case '[': sym = symLeftBracket; GetCh(); return;
+            case ']': sym = symRightBracket; GetCh(); return;
+            default:
+                GetCh();  // dropped without a message
+                continue;
+        }
+    }
+}
+
+void CScanner::Mark(CString message) {
+    errorFound = 1;
+    CString text;
+    text.Format("Scanner: Zeile: %d Position: %d: %s\n", line, position,
+                static_cast<const char*>(message));
+    GetUserInterface().ShowMessage(text, "", CUserInterface::IconNone);
+}
+
+void CScanner::InsertText(CString text) {
+    const int count = text.GetLength();
+    if (count == 0) return;
+    const int size = static_cast<int>(buffer.size());
+    if (count > INT_MAX - size) return;
+    const int at = index < 0 ? 0 : (index > size ? size : index);
+    try {
+        const char* bytes = text.str().data();
+        buffer.insert(buffer.begin() + at, bytes, bytes + count);
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    const int before = length < 0 ? 0 : (length > size ? size : length);
+    length = before + count;
+    // The end has moved: text spliced in at the end is still to be read.
+    eof = 0;
+}
