@@ -11,8 +11,11 @@ enum : int { IDOK = 1, IDCANCEL = 2 };
 
 // One item of a dialog resource. Position and size are in dialog units.
 struct DialogItem {
-    enum Kind { StaticText, EditField, DefaultPushButton, PushButton };
-    enum Style : unsigned { Border = 1, TabStop = 2, AutoHScroll = 4 };
+    enum Kind { StaticText, EditField, DefaultPushButton, PushButton, RichEdit };
+    enum Style : unsigned {
+        Border = 1, TabStop = 2, AutoHScroll = 4,
+        MultiLine = 8, ReadOnly = 16, VScroll = 32, AutoVScroll = 64,
+    };
 
     int id;
     Kind kind;

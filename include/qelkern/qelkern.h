@@ -11,3 +11,6 @@
 #include "qelkern/parser.h"
 #include "qelkern/environment.h"
 #include "qelkern/dialogs.h"
+#include "qelkern/window.h"
+#include "qelkern/richedit.h"
+#include "qelkern/editor.h"
