@@ -114,6 +114,11 @@ public:
     int cx = 0;
     CInterpreter* interpreter;
     CStdioFile listFile;
+
+private:
+    // The highest address that a fixup has made a jump target; a jump just
+    // before such a target must stay, or that target would move.
+    int highestPatchedTarget = -1;
 };
 
 class QELKERN_API CInterpreter : public CObject {
