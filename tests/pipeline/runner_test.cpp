@@ -22,6 +22,7 @@ std::vector<UiEvent::Kind> KindsOf(const RecordingUserInterface& ui) {
 
 TEST(RunScript, CleanRunAndCompileOnly) {
     ScopedRecordingUi rec;
+    EXPECT_NE(hQELKernInstance, nullptr);  // recorded when the library was loaded
     EXPECT_EQ(RunText("BEGIN END."), 1);
     // Compiled but never started: the division by zero is not reached.
     EXPECT_EQ(RunText("VAR x : INTEGER; BEGIN x := 1 / 0 END.", true, false), 1);
