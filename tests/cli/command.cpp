@@ -1,0 +1,70 @@
+#include "tests/cli/command.h"
+
+#include <sys/wait.h>
+
+#include <cstdio>
+
+#include "support/test_support.h"
+
+namespace {
+
+std::string ShellQuote(const std::string& word) {
+    std::string quoted = "'";
+    for (const char c : word) {
+        if (c == '\'') quoted += "'\\''";
+        else quoted += c;
+    }
+    return quoted + "'";
+}
+
+std::string ScratchDir() {
+    static const std::string dir = MakeTempDir("cli-command");
+    return dir;
+}
+
+}  // namespace
+
+std::vector<std::string> CommandResult::OutLines() const {
+    std::vector<std::string> lines;
+    size_t start = 0;
+    while (start < out.size()) {
+        size_t end = out.find('\n', start);
+        if (end == std::string::npos) end = out.size();
+        lines.push_back(out.substr(start, end - start));
+        start = end + 1;
+    }
+    return lines;
+}
+
+CommandResult RunCommand(const std::string& program, const std::vector<std::string>& args,
+                         const std::string& input, const std::string& workDir) {
+    const std::string inFile = ScratchDir() + "stdin.txt";
+    const std::string errFile = ScratchDir() + "stderr.txt";
+    WriteFileBytes(inFile, input);
+
+    std::string command;
+    if (!workDir.empty()) command += "cd " + ShellQuote(workDir) + " && ";
+    command += ShellQuote(program);
+    for (const std::string& arg : args) command += " " + ShellQuote(arg);
+    command += " <" + ShellQuote(inFile) + " 2>" + ShellQuote(errFile);
+
+    CommandResult result;
+    std::FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) return result;
+    char buffer[4096];
+    size_t count;
+    while ((count = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) result.out.append(buffer, count);
+    const int status = pclose(pipe);
+    if (status != -1 && WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
+    result.err = ReadFileBytes(errFile);
+    return result;
+}
+
+CommandResult RunQel(const std::vector<std::string>& args, const std::string& input,
+                     const std::string& workDir) {
+    return RunCommand(QEL_CLI, args, input, workDir);
+}
+
+std::string Utf8(const char* latin1) { return Latin1ToUtf8(latin1); }
+
+std::string ExamplesDir() { return std::string(QEL_SOURCE_DIR) + "/examples/"; }
