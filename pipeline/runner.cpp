@@ -1,4 +1,5 @@
 // The library's entry for compiling and running a script.
+#include <climits>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -52,14 +53,15 @@ bool Compile(CParser& parser) {
     } catch (CException* e) {
         e->Delete();
     } catch (const std::bad_alloc&) {
-        parser.ok = 0;  // an incomplete compile must never run
     }
+    parser.ok = 0;  // an incomplete compile must never run
     return false;
 }
 
 int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, bool run) {
     int result = 0;
     std::string joined = JoinWithPrelude(dir, text, length);
+    if (joined.size() > static_cast<size_t>(INT_MAX)) return 0;
     ScriptRun objects(joined.data(), static_cast<int>(joined.size()), showErrors);
 
     if (Compile(*objects.parser)) result = 1;
