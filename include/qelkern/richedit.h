@@ -354,6 +354,8 @@ protected:
     void OnLockUpdateImpl(bool lock) override;
 
 private:
+    void ReleaseWidget();  // detaches, and deletes the widget if owned
+
     CRichEditWidget* widget = nullptr;
     bool ownsWidget = false;
     DWORD eventMask = ENM_NONE;
@@ -414,6 +416,9 @@ public:
     void UserPastes();
     void UserUndoes();
     void UserFocuses();
+    // Drags the selected text to `target` (a position outside the selection)
+    // and drops it there: a move, announced as a cut and a paste.
+    void UserDragsSelection(int target);
 
     // Inspection.
     const std::string& Text() const;
@@ -433,6 +438,19 @@ protected:
     virtual void OnSelectionChanged(int start, int end);
 
 private:
+    // Replaces [start, end) after the protected-text notice, then sends the
+    // change and selection notices; false if refused.
+    bool ReplaceRange(int start, int end, const std::string& inserted, UINT message, WPARAM wParam,
+                      int undoMode);
+    void ReplaceRaw(int start, int end, const std::string& inserted,
+                    const std::vector<uint32_t>& insertedFormats);
+    bool AskProtected(UINT message, WPARAM wParam, int start, int end);
+    void NotifyChanged();
+    void Select(int anchor, int active);
+    void MoveCaret(UINT key, bool extend);
+    void DeleteByKey(UINT key);
+    void SendKey(UINT message, UINT key);
+
     struct State;
     std::unique_ptr<State> state;
 };

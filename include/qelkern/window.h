@@ -151,6 +151,9 @@ public:
 
     // false while the window does not exist (before creation, after destruction).
     virtual bool IsWindow() const { return created; }
+    // Makes the window a child of `parentWindow` (which may be null).
+    BOOL CreateChildWindow(CWnd* parentWindow, int id, DWORD windowStyle, const CRect& rect,
+                           const char* text);
 
     void SetWindowText(const char* text);
     void GetWindowText(CString& text) const;
