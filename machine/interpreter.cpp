@@ -46,7 +46,7 @@ CString CellMessage(int64_t index) {
 
 CString AddressMessage(int address) {
     CString text;
-    text.Format("Sprung auf ungültige Codeadresse %d.", address);
+    text.Format("Ungültige Codeadresse %d.", address);
     return text;
 }
 
@@ -59,241 +59,59 @@ CString ArrayIndexMessage(int index, int size) {
 const char* const underflowMessage = "Stackunterlauf.";
 const char* const linkMessage = "Ungültiger statischer Verweis.";
 
-// The dispatch loop. p, b and t live in locals and are written back to the
-// interpreter before anything that can observe them: err, callbacks, dialogs,
-// stack growth, and the end of the run.
-class Machine {
-public:
-    explicit Machine(CInterpreter& interpreter) : m(interpreter) {}
-    void Run();
+// Marks a cell index whose static links could not be followed.
+constexpr int64_t badLink = INT64_MIN;
 
-private:
-    void Sync() {
-        m.p = p;
-        m.b = b;
-        m.t = t;
-    }
-    void Fail(const CString& text) {
-        Sync();
-        m.err(text);
-    }
-    // Makes room for n cells above t; false: the run has failed.
-    bool Grow(int64_t n) {
-        Sync();
-        int clamped = n > m.stackLimit ? m.stackLimit : static_cast<int>(n);
-        if (!m.TesteStack(clamped)) return false;
-        s = m.stack;
-        capacity = m.stackCapacity;
-        return true;
-    }
-    // Cell base(l) + a, or -1 after a reported error.
-    int64_t DataCell(int l, intptr_t a) {
-        int frame = l == 0 ? b : FollowLinks(s, capacity, b, l);
-        if (frame < 0) {
-            Fail(linkMessage);
-            return -1;
-        }
-        int64_t index = static_cast<int64_t>(frame) + a;
-        if (!IsCell(index, capacity)) {
-            Fail(CellMessage(index));
-            return -1;
-        }
-        return index;
-    }
-    // Element cell of the array at base(l) + a, or -1 after a reported error.
-    int64_t ElementCell(int l, intptr_t a, const VALUE& indexCell);
-    bool Operation(const Instruction& ins);
-    bool Binary(const Instruction& ins);
-    bool Call(const Instruction& ins);
-    bool Reserve(intptr_t count);
-    bool Return();
-
-    CInterpreter& m;
-    const Instruction* code = m.code;
-    const int codeCapacity = m.codeCapacity;
-    VALUE* s = m.stack;
-    int capacity = m.stackCapacity;
-    int p = 0;
-    int b = 1;
-    int t = 0;
-};
-
-void Machine::Run() {
-    for (;;) {
-        if (static_cast<unsigned>(t) > static_cast<unsigned>(capacity - stackReserve)) {
-            if (t < 0) return Fail(underflowMessage);
-            if (!Grow(0)) return;
-        }
-        if (static_cast<unsigned>(p) >= static_cast<unsigned>(codeCapacity))
-            return Fail(AddressMessage(p));
-        const Instruction& ins = code[p++];
-        switch (ins.f) {
-            case LIT: Assign(s[++t], ins.value); break;
-            case OPR:
-                if (!Operation(ins)) return;
-                break;
-            case LOD: {
-                int64_t cell = DataCell(ins.l, ins.a);
-                if (cell < 0) return;
-                Assign(s[++t], s[cell]);
-                break;
-            }
-            case STO: {
-                int64_t cell = DataCell(ins.l, ins.a);
-                if (cell < 0) return;
-                Assign(s[cell], s[t]);
-                --t;
-                break;
-            }
-            case CALL:
-                if (!Call(ins)) return;
-                break;
-            case INT:
-                if (!Reserve(ins.a)) return;
-                break;
-            case JMP: p = ToAddress(ins.a); break;
-            case JPC:
-                if (IsZero(s[t])) p = ToAddress(ins.a);
-                --t;
-                break;
-            case LODI: {
-                int64_t cell = ElementCell(ins.l, ins.a, s[t]);
-                if (cell < 0) return;
-                Assign(s[t], s[cell]);
-                break;
-            }
-            case STOI: {
-                if (t < 1) return Fail(underflowMessage);
-                int64_t cell = ElementCell(ins.l, ins.a, s[t - 1]);
-                if (cell < 0) return;
-                Assign(s[cell], s[t]);
-                t -= 2;
-                break;
-            }
-            case SWAP: {
-                if (t < 1) return Fail(underflowMessage);
-                VALUE held;
-                held.MoveFrom(s[t]);
-                s[t].MoveFrom(s[t - 1]);
-                s[t - 1].MoveFrom(held);
-                break;
-            }
-            case EXTCALL:
-                Sync();
-                if (!CallExternalRoutine(m, ins)) return;
-                break;
-            default: break;
-        }
-        if (p <= 0) return Sync();
-    }
+// Cell base(l) + a, seen from frame b; badLink or an index outside the stack
+// when the code is not what the compiler makes.
+inline int64_t DataCell(const VALUE* s, int capacity, int b, int l, intptr_t a) {
+    int frame = l == 0 ? b : FollowLinks(s, capacity, b, l);
+    if (frame < 0) return badLink;
+    return static_cast<int64_t>(frame) + a;
 }
 
-bool Machine::Call(const Instruction& ins) {
-    int frame = ins.l == 0 ? b : FollowLinks(s, capacity, b, ins.l);
-    if (frame < 0) {
-        Fail(linkMessage);
-        return false;
-    }
-    SetInt(s[t + 1], frame);
-    SetInt(s[t + 2], b);
-    SetInt(s[t + 3], p);
-    b = t + 1;
-    p = ToAddress(ins.a);
-    return true;
-}
+CString CellError(int64_t index) { return index == badLink ? CString(linkMessage) : CellMessage(index); }
 
-bool Machine::Reserve(intptr_t count) {
-    if (count > 0 && count > capacity - stackReserve - t && !Grow(count)) return false;
-    int64_t top = static_cast<int64_t>(t) + count;
-    if (top < 0) {
-        Fail(underflowMessage);
-        return false;
-    }
-    t = static_cast<int>(top);
-    return true;
-}
-
-bool Machine::Return() {
-    if (b < 1) {
-        Fail(underflowMessage);
-        return false;
-    }
-    if (static_cast<int64_t>(b) + 2 >= capacity) {
-        Fail(CellMessage(static_cast<int64_t>(b) + 2));
-        return false;
-    }
-    t = b - 1;
-    p = s[t + 3].intValue;
-    b = s[t + 2].intValue;
-    return true;
-}
-
-int64_t Machine::ElementCell(int l, intptr_t a, const VALUE& indexCell) {
-    int64_t sizeCell = DataCell(l, a);
-    if (sizeCell < 0) return -1;
+// Element cell of the array whose size cell is `sizeCell`, or -1 when the
+// index lies outside 0 to N - 1.
+inline int64_t ElementCell(const VALUE* s, int64_t sizeCell, const VALUE& indexCell, int& index,
+                           int& size) {
     const VALUE& sizeValue = s[sizeCell];
-    int size = sizeValue.type == tagInteger ? sizeValue.intValue : 0;
-    int index = indexCell.type == tagInteger ? indexCell.intValue : static_cast<int>(indexCell);
-    if (index < 0 || index >= size) {
-        Fail(ArrayIndexMessage(index, size));
-        return -1;
-    }
-    int64_t cell = sizeCell + 1 + index;
-    if (!IsCell(cell, capacity)) {
-        Fail(CellMessage(cell));
-        return -1;
-    }
-    return cell;
+    size = sizeValue.type == tagInteger ? sizeValue.intValue : 0;
+    index = indexCell.type == tagInteger ? indexCell.intValue : static_cast<int>(indexCell);
+    if (index < 0 || index >= size) return -1;
+    return sizeCell + 1 + index;
 }
 
-bool Machine::Operation(const Instruction& ins) {
-    VALUE& top = s[t];
-    switch (ins.a) {
-        case oprRet: return Return();
-        case oprNegate: Negate(top); break;
-        case oprReadInt:
-            Sync();
-            SetInt(s[t + 1], AskForNumber(ins, true));
-            ++t;
-            break;
-        case oprReadDouble:
-            Sync();
-            SetDouble(s[t + 1], AskForNumber(ins, false));
-            ++t;
-            break;
-        case oprWrite:
-            Sync();
-            ShowNumber(ins, top);
-            --t;
-            break;
-        case oprDecrement: --top; break;
-        case oprIncrement: ++top; break;
-        case oprIntCast: SetInt(top, static_cast<int>(top)); break;
-        case oprDoubleCast: SetDouble(top, static_cast<double>(top)); break;
-        case oprBitNot: SetInt(top, ~top.intValue); break;
-        case oprNot: SetInt(top, IsZero(top) ? 1 : 0); break;
-        default: return Binary(ins);
-    }
-    return true;
+// The error paths take the registers by value, so that the hot loop never
+// lets their addresses escape and can keep them in registers.
+void Fail(CInterpreter& m, int p, int b, int t, const CString& text) {
+    m.p = p;
+    m.b = b;
+    m.t = t;
+    m.err(text);
 }
 
-bool Machine::Binary(const Instruction& ins) {
-    if (ins.a < oprPlus || ins.a > oprNot) return true;  // no such operation: nothing happens
-    if (t < 1) {
-        Fail(underflowMessage);
-        return false;
-    }
+// Makes room for n cells above t; false: the run has failed.
+bool Grow(CInterpreter& m, int p, int b, int t, int64_t n) {
+    m.p = p;
+    m.b = b;
+    m.t = t;
+    return m.TesteStack(n > m.stackLimit ? m.stackLimit : static_cast<int>(n)) != 0;
+}
+
+// Binary OPR on cells t - 1 and t; the result goes to t - 1. Returns the
+// message of a run-time error, or null.
+[[gnu::always_inline]] inline const char* Binary(intptr_t operation, VALUE* s, int& t) {
+    if (t < 1) return underflowMessage;
     VALUE& right = s[t];
     VALUE& left = s[--t];
-    switch (ins.a) {
+    switch (operation) {
         case oprPlus: Add(left, right); break;
         case oprMinus: Subtract(left, right); break;
         case oprTimes: Multiply(left, right); break;
         case oprDivide:
-            if (IsZero(right)) {
-                Fail("Division durch Null");
-                return false;
-            }
+            if (IsZero(right)) return "Division durch Null";
             Divide(left, right);
             break;
         case oprEqual: Equal(left, right, false); break;
@@ -308,7 +126,173 @@ bool Machine::Binary(const Instruction& ins) {
         case oprAnd: SetInt(left, (IsPositive(left) && IsPositive(right)) ? 1 : 0); break;
         default: break;
     }
-    return true;
+    return nullptr;
+}
+
+// OPR sub-operations on cell t alone. false: not one of them.
+[[gnu::always_inline]] inline bool Unary(intptr_t operation, VALUE& top) {
+    switch (operation) {
+        case oprNegate: Negate(top); return true;
+        case oprDecrement:
+            if (top.type == tagInteger) top.intValue = WrapSub(top.intValue, 1);
+            else --top;
+            return true;
+        case oprIncrement:
+            if (top.type == tagInteger) top.intValue = WrapAdd(top.intValue, 1);
+            else ++top;
+            return true;
+        case oprIntCast:
+            if (top.type != tagInteger) SetInt(top, static_cast<int>(top));
+            return true;
+        case oprDoubleCast:
+            if (top.type != tagDouble) SetDouble(top, static_cast<double>(top));
+            return true;
+        case oprBitNot: SetInt(top, ~top.intValue); return true;
+        case oprNot: SetInt(top, IsZero(top) ? 1 : 0); return true;
+        default: return false;
+    }
+}
+
+// The dispatch loop. p, b, t, the stack pointer and its capacity live in
+// locals; they are written back to the interpreter before anything that can
+// observe them: err, callbacks, dialogs, stack growth and the end of the run.
+void Run(CInterpreter& m) {
+    const Instruction* const code = m.code;
+    const unsigned codeCapacity = static_cast<unsigned>(m.codeCapacity);
+    VALUE* s = m.stack;
+    int capacity = m.stackCapacity;
+    int p = 0, b = 1, t = 0;
+#define QEL_FAIL(text)              \
+    do {                            \
+        Fail(m, p, b, t, (text));   \
+        return;                     \
+    } while (0)
+#define QEL_SYNC() (m.p = p, m.b = b, m.t = t)
+
+    for (;;) {
+        if (static_cast<unsigned>(t) > static_cast<unsigned>(capacity - stackReserve)) {
+            if (t < 0) QEL_FAIL(underflowMessage);
+            if (!Grow(m, p, b, t, 0)) return;
+            s = m.stack;
+            capacity = m.stackCapacity;
+        }
+        if (static_cast<unsigned>(p) >= codeCapacity) QEL_FAIL(AddressMessage(p));
+        const Instruction& ins = code[p++];
+        switch (ins.f) {
+            case LIT: Assign(s[++t], ins.value); break;
+            case OPR: {
+                const intptr_t operation = ins.a;
+                if (Unary(operation, s[t])) break;
+                if (operation >= oprPlus && operation <= oprAnd && operation != oprReadInt &&
+                    operation != oprWrite && operation != oprReadDouble) {
+                    if (const char* error = Binary(operation, s, t)) QEL_FAIL(error);
+                    break;
+                }
+                switch (operation) {
+                    case oprRet:
+                        if (b < 1) QEL_FAIL(underflowMessage);
+                        if (static_cast<int64_t>(b) + 2 >= capacity)
+                            QEL_FAIL(CellMessage(static_cast<int64_t>(b) + 2));
+                        t = b - 1;
+                        p = s[t + 3].intValue;
+                        b = s[t + 2].intValue;
+                        break;
+                    case oprReadInt:
+                        QEL_SYNC();
+                        SetInt(s[t + 1], AskForNumber(ins, true));
+                        ++t;
+                        break;
+                    case oprReadDouble:
+                        QEL_SYNC();
+                        SetDouble(s[t + 1], AskForNumber(ins, false));
+                        ++t;
+                        break;
+                    case oprWrite:
+                        QEL_SYNC();
+                        ShowNumber(ins, s[t]);
+                        --t;
+                        break;
+                    default: break;  // no such operation: nothing happens
+                }
+                break;
+            }
+            case LOD: {
+                int64_t cell = DataCell(s, capacity, b, ins.l, ins.a);
+                if (!IsCell(cell, capacity)) QEL_FAIL(CellError(cell));
+                Assign(s[++t], s[cell]);
+                break;
+            }
+            case STO: {
+                int64_t cell = DataCell(s, capacity, b, ins.l, ins.a);
+                if (!IsCell(cell, capacity)) QEL_FAIL(CellError(cell));
+                Assign(s[cell], s[t]);
+                --t;
+                break;
+            }
+            case CALL: {
+                int frame = ins.l == 0 ? b : FollowLinks(s, capacity, b, ins.l);
+                if (frame < 0) QEL_FAIL(linkMessage);
+                SetInt(s[t + 1], frame);
+                SetInt(s[t + 2], b);
+                SetInt(s[t + 3], p);
+                b = t + 1;
+                p = ToAddress(ins.a);
+                break;
+            }
+            case INT: {
+                const intptr_t count = ins.a;
+                if (count > 0 && count > capacity - stackReserve - t) {
+                    if (!Grow(m, p, b, t, count)) return;
+                    s = m.stack;
+                    capacity = m.stackCapacity;
+                }
+                int64_t top = static_cast<int64_t>(t) + count;
+                if (top < 0) QEL_FAIL(underflowMessage);
+                t = static_cast<int>(top);
+                break;
+            }
+            case JMP: p = ToAddress(ins.a); break;
+            case JPC:
+                if (IsZero(s[t])) p = ToAddress(ins.a);
+                --t;
+                break;
+            case LODI:
+            case STOI: {
+                const bool store = ins.f == STOI;
+                if (store && t < 1) QEL_FAIL(underflowMessage);
+                int64_t sizeCell = DataCell(s, capacity, b, ins.l, ins.a);
+                if (!IsCell(sizeCell, capacity)) QEL_FAIL(CellError(sizeCell));
+                int index, size;
+                int64_t cell = ElementCell(s, sizeCell, s[store ? t - 1 : t], index, size);
+                if (cell < 0) QEL_FAIL(ArrayIndexMessage(index, size));
+                if (!IsCell(cell, capacity)) QEL_FAIL(CellMessage(cell));
+                if (store) {
+                    Assign(s[cell], s[t]);
+                    t -= 2;
+                } else {
+                    Assign(s[t], s[cell]);
+                }
+                break;
+            }
+            case SWAP: {
+                if (t < 1) QEL_FAIL(underflowMessage);
+                VALUE held;
+                held.MoveFrom(s[t]);
+                s[t].MoveFrom(s[t - 1]);
+                s[t - 1].MoveFrom(held);
+                break;
+            }
+            case EXTCALL:
+                QEL_SYNC();
+                if (!CallExternalRoutine(m, ins)) return;
+                break;
+            default: break;  // no such opcode: nothing happens
+        }
+        if (p <= 0) break;
+    }
+    QEL_SYNC();
+#undef QEL_FAIL
+#undef QEL_SYNC
 }
 
 }  // namespace
@@ -330,7 +314,7 @@ void CInterpreter::Interpret() {
     // Cell 3 too: it holds the main block's return address, 0, which ends
     // the run at its RET, also when an interpreter is run a second time.
     for (int i = 0; i <= 3; ++i) stack[i] = VALUE();
-    Machine(*this).Run();
+    Run(*this);
 }
 
 int CInterpreter::base(int l) { return FollowLinks(stack, stackCapacity, b, l); }
