@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <string>
 
@@ -65,13 +64,4 @@ TEST(Numbers, TermsOfText) {
     EXPECT_TRUE(std::isinf(Term("-1e99999999999999999999").value));
     EXPECT_EQ(Term("0e99999").value, 0.0);
     EXPECT_DOUBLE_EQ(Term("0.000001e6").value, 1.0);
-}
-
-TEST(Numbers, IndependentOfTheCLocale) {
-    const char* german = std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
-    if (!german) german = std::setlocale(LC_NUMERIC, "de_DE");
-    if (!german) GTEST_SKIP() << "no German locale installed";
-    EXPECT_DOUBLE_EQ(Text("2.5").value, 2.5);
-    EXPECT_DOUBLE_EQ(Term("2.5").value, 2.5);
-    std::setlocale(LC_NUMERIC, "C");
 }
