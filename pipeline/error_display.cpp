@@ -38,6 +38,9 @@ std::string MarkedText(const CScanner& scanner, const std::string& marker) {
             inserted = true;
         }
     }
+    // A text whose last line has no line feed (a host's text, not a file)
+    // still gets the marker on a line of its own, under the error.
+    if (!inserted && !marked.empty() && marked.back() != '\n') marked += '\n';
     if (!inserted) marked += marker;
     return marked;
 }

@@ -41,7 +41,7 @@ static std::vector<std::string> SplitLines(const std::string& text) {
         std::string line = text.substr(start, end == std::string::npos ? std::string::npos : end - start);
         if (!line.empty() && line.back() == '\r') line.pop_back();
         lines.push_back(line);
-        if (end == std::string::npos) break;
+        if (end == std::string::npos || end + 1 == text.size()) break;
         start = end + 1;
     }
     return lines;

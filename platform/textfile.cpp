@@ -1,4 +1,4 @@
-#include <cerrno>
+#include <filesystem>
 
 #include "qelkern/platform.h"
 
@@ -7,6 +7,8 @@ CStdioFile::~CStdioFile() { Close(); }
 bool CStdioFile::Open(const char* path, unsigned flags) {
     Close();
     if (!path) return false;
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) return false;  // fopen would take it
     writing = (flags & (modeWrite | modeReadWrite)) != 0;
     const char* mode = writing ? ((flags & modeCreate) && !(flags & modeNoTruncate) ? "wb" : "ab") : "rb";
     file = std::fopen(path, mode);

@@ -68,8 +68,8 @@ TEST(ErrorDisplay, ShortPositionsAndMissingLineFeeds) {
     k.scanner.position = 2;  // shorter than the marker: no padding
     ThrownText([&] { ZeigeFehlerText("T", "m", &k.scanner, true); });
     ASSERT_EQ(rec.ui.events.size(), 1u);
-    // No line feed ends line 0, so the marker goes to the end.
-    EXPECT_EQ(rec.ui.events[0].text, "only one line<!>m\r\n");
+    // No line feed ends line 0: the marker goes to the end, on a line of its own.
+    EXPECT_EQ(rec.ui.events[0].text, "only one line\n<!>m\r\n");
     EXPECT_EQ(rec.ui.events[0].column, 2 + 3 + 1);
 
     rec.ui.events.clear();
