@@ -84,23 +84,19 @@ TEST(ZahlenEingabe, ResourceDescribesTheDialog) {
     const DialogTemplate& resource = ZahlenEingabeTemplate;
     EXPECT_EQ(resource.resourceId, 129);
     EXPECT_STREQ(resource.title, "Zahleneingabe");
-    EXPECT_EQ(resource.width, 186);
-    EXPECT_EQ(resource.height, 48);
-
-    const DialogItem* prompt = resource.FindItem(1001);
-    ASSERT_NE(prompt, nullptr);
-    EXPECT_EQ(prompt->kind, DialogItem::StaticText);
-    EXPECT_STREQ(prompt->text, "Wert");
-    const DialogItem* field = resource.FindItem(1000);
-    ASSERT_NE(field, nullptr);
-    EXPECT_EQ(field->kind, DialogItem::EditField);
-    EXPECT_EQ(field->style & DialogItem::AutoHScroll, DialogItem::AutoHScroll);
-    const DialogItem* ok = resource.FindItem(IDOK);
-    ASSERT_NE(ok, nullptr);
-    EXPECT_EQ(ok->kind, DialogItem::DefaultPushButton);
-    EXPECT_STREQ(ok->text, "OK");
-    const DialogItem* cancel = resource.FindItem(IDCANCEL);
-    ASSERT_NE(cancel, nullptr);
-    EXPECT_STREQ(cancel->text, "Abbrechen");
+    const struct {
+        int id;
+        DialogItem::Kind kind;
+        const char* text;
+    } expected[] = {{1001, DialogItem::StaticText, "Wert"},
+                    {1000, DialogItem::EditField, nullptr},
+                    {IDOK, DialogItem::DefaultPushButton, "OK"},
+                    {IDCANCEL, DialogItem::PushButton, "Abbrechen"}};
+    for (const auto& item : expected) {
+        const DialogItem* found = resource.FindItem(item.id);
+        ASSERT_NE(found, nullptr) << item.id;
+        EXPECT_EQ(found->kind, item.kind) << item.id;
+        EXPECT_STREQ(found->text ? found->text : "", item.text ? item.text : "") << item.id;
+    }
     EXPECT_EQ(resource.FindItem(4711), nullptr);
 }
