@@ -1,6 +1,7 @@
 #include "machine/host_calls.h"
 
 #include "machine/conversions.h"
+#include "qelkern/dialogs.h"
 #include "qelkern/parser.h"
 #include "qelkern/userinterface.h"
 
@@ -8,8 +9,6 @@ namespace qelkern {
 
 namespace {
 
-// The prompt of the number entry dialog when the instruction brings none.
-const char* const defaultPrompt = "Wert=";
 const char* const defaultLabel = "Zahl";
 
 void ReportFailedRoutine(CInterpreter& machine, const Instruction& ins) {
@@ -40,11 +39,12 @@ bool CallExternalRoutine(CInterpreter& machine, const Instruction& ins) {
     return false;
 }
 
+// How the dialog was closed is not looked at: a cancelled one keeps its 0.
 int AskForNumber(const Instruction& ins, bool integerMode) {
-    CString prompt = ins.comment.IsEmpty() ? CString(defaultPrompt) : ins.comment;
-    int value = 0;
-    if (!GetUserInterface().EnterNumber(prompt, integerMode, value)) value = 0;
-    return value;
+    CZahlenEingabe dialog(integerMode ? 1 : 0);
+    if (!ins.comment.IsEmpty()) dialog.prompt = ins.comment;
+    dialog.DoModal();
+    return integerMode ? dialog.integerEntry : dialog.doubleEntry;
 }
 
 void ShowNumber(const Instruction& ins, const VALUE& cell) {
