@@ -1,0 +1,106 @@
+// The native widget of the rich edit control on a Qt QTextEdit.
+//
+// The control (CRichEditCtrl and its derived CTWScriptEdit) talks to this
+// widget only through CRichEditWidget; the user's keys, clicks, drops and
+// menu commands come back to the control's message map as the messages of
+// the desktop framework, so that a control written for that framework runs
+// unchanged on a real desktop.
+//
+// Text crosses the boundary as Latin-1 with '\r' paragraph ends. The undo
+// history is the widget's own (the document's is off): format changes are
+// never undo steps, a replacement without undo adds none, and one that changes
+// the length drops the older steps, which would no longer fit the text.
+#pragma once
+
+#include <memory>
+
+#include "qelkern/richedit.h"
+
+class QTextEdit;
+class QKeyEvent;
+class QMimeData;
+class QInputMethodEvent;
+class QPoint;
+
+class CQtRichEditWidget : public CRichEditWidget {
+public:
+    CQtRichEditWidget();
+    ~CQtRichEditWidget() override;
+    CQtRichEditWidget(const CQtRichEditWidget&) = delete;
+    CQtRichEditWidget& operator=(const CQtRichEditWidget&) = delete;
+
+    // The Qt widget, to be put into a window's layout. The widget object owns
+    // it; if Qt deletes it first (with its parent window), this gives null and
+    // every operation below becomes a harmless no-op.
+    QTextEdit* GetTextEdit() const;
+
+    int GetTextLength() const override;
+    CString GetTextRange(int start, int end) const override;
+    void SetText(const char* text) override;
+    int GetLineCount() const override;
+    int LineFromChar(int position) const override;
+    int LineIndex(int line) const override;
+    void GetSel(int& start, int& end) const override;
+    void SetSel(int start, int end) override;
+    void HideSelection(bool hide, bool permanent) override;
+    void ReplaceSel(const char* text, bool canUndo) override;
+    void Cut() override;
+    void Copy() override;
+    void Paste() override;
+    void Clear() override;
+    bool CanUndo() const override;
+    bool Undo() override;
+    void EmptyUndoBuffer() override;
+    DWORD GetSelectionCharFormat(CHARFORMAT& cf) const override;
+    bool SetSelectionCharFormat(const CHARFORMAT& cf) override;
+    DWORD GetDefaultCharFormat(CHARFORMAT& cf) const override;
+    bool SetDefaultCharFormat(const CHARFORMAT& cf) override;
+    bool SetParaFormat(const PARAFORMAT& pf) override;
+    void DefaultKeyDown(UINT key) override;
+    void DefaultChar(UINT character) override;
+    short GetKeyState(int key) const override;
+    void LockUpdate(bool lock) override;
+    void Show(bool visible) override;
+    void Focus() override;
+    void SetReadOnly(bool readOnly) override;
+    bool IsReadOnly() const override;
+
+    // Inspection, for hosts and tests.
+    int UndoStepCount() const;
+    bool IsUpdateLocked() const;
+    bool IsSelectionHidden() const;
+    bool IsShown() const;
+
+    // Input of the Qt widget, translated into the framework's messages.
+    void KeyPressed(QKeyEvent* event);
+    void KeyReleased(QKeyEvent* event);
+    bool WantsTabKey();
+    void FocusGained();
+    void TextDropped(const QMimeData* source);
+    void TextComposed(const QString& text);
+    void ContextMenuRequested(const QPoint& globalPosition);
+    // A change that Qt made behind the widget's back (a drag out of it).
+    void TextChangedOutside();
+    // The user moved the caret or the selection with mouse or keys.
+    void SelectionMovedByUser();
+
+    struct State;
+
+private:
+    bool ReplaceRange(int start, int end, const QString& inserted, UINT message, WPARAM wParam,
+                      int undoMode);
+    bool AskProtected(UINT message, WPARAM wParam, int start, int end);
+    void NotifyChanged();
+    void NotifySelection(bool always);
+    void DeleteByKey(UINT key, bool wholeWord);
+    bool HandleShortcut(QKeyEvent* event);
+    void MoveCaret(UINT key, bool extend);
+    void ApplyDefaultFormat();
+    void ClearColour(int start, int end);
+
+    std::unique_ptr<State> state;
+};
+
+// The factory to install with SetRichEditWidgetFactory: every control and
+// dialog item made after it gets a Qt widget.
+std::unique_ptr<CRichEditWidget> CreateQtRichEditWidget(CWnd* parent, int id);

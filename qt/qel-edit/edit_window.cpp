@@ -1,0 +1,219 @@
+#include "edit_window.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QTextEdit>
+#include <QTimer>
+
+#include "qelkern-qt/qtrichedit.h"
+#include "qelkern-qt/qtuserinterface.h"
+#include "script_files.h"
+
+namespace {
+constexpr int editorId = 1000;
+const char scriptFilter[] = "Scripte (*.qel)|*.qel||";
+
+CString FileName(const QString& path) { return CString(QFile::encodeName(path).toStdString()); }
+QString PathOf(const CString& fileName) { return QFile::decodeName(fileName.str().c_str()); }
+
+QString DirectoryOf(const QString& path) { return QFileInfo(path).absolutePath(); }
+}  // namespace
+
+CQelEditWindow::CQelEditWindow(QWidget* parent) : QMainWindow(parent) {
+    editor.Create(WS_CHILD | WS_VISIBLE | WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL, CRect(), nullptr, editorId);
+    auto* widget = dynamic_cast<CQtRichEditWidget*>(editor.GetWidget());
+    if (!widget) {
+        widget = new CQtRichEditWidget();
+        editor.Attach(widget, true);
+    }
+    setCentralWidget(widget->GetTextEdit());
+
+    runStatus = new QLabel(QStringLiteral("Noch kein Lauf"), this);
+    preludeStatus = new QLabel(this);
+    statusBar()->addWidget(runStatus, 1);
+    statusBar()->addPermanentWidget(preludeStatus);
+
+    // Colouring changes the document too; whether the text differs from the
+    // saved one is asked once the event loop is free again.
+    modifiedCheck = new QTimer(this);
+    modifiedCheck->setSingleShot(true);
+    modifiedCheck->setInterval(0);
+    connect(modifiedCheck, &QTimer::timeout, this, [this] { UpdateTitle(); });
+    connect(widget->GetTextEdit()->document(), &QTextDocument::contentsChanged, modifiedCheck,
+            qOverload<>(&QTimer::start));
+
+    BuildMenus();
+    SetPreludeDirectory(QDir::currentPath(), false);
+    resize(960, 720);
+    UpdateTitle();
+}
+
+CQelEditWindow::~CQelEditWindow() = default;
+
+void CQelEditWindow::BuildMenus() {
+    QMenu* file = menuBar()->addMenu(QStringLiteral("&Datei"));
+    file->addAction(QStringLiteral("&Neu"), QKeySequence::New, this, [this] { NewFile(); });
+    file->addAction(QStringLiteral("Ö&ffnen …"), QKeySequence::Open, this, [this] { OpenByDialog(); });
+    file->addAction(QStringLiteral("&Speichern"), QKeySequence::Save, this, [this] { Save(); });
+    file->addAction(QStringLiteral("Speichern &unter …"), QKeySequence::SaveAs, this, [this] { SaveAs(); });
+    file->addSeparator();
+    file->addAction(QStringLiteral("&Drucken …"), QKeySequence::Print, this, [this] { editor.Drucken(); });
+    file->addSeparator();
+    file->addAction(QStringLiteral("&Beenden"), QKeySequence::Quit, this, [this] { close(); });
+
+    QMenu* edit = menuBar()->addMenu(QStringLiteral("&Bearbeiten"));
+    edit->addAction(QStringLiteral("&Rückgängig"), this, [this] { editor.Undo(); });
+    edit->addSeparator();
+    edit->addAction(QStringLiteral("&Ausschneiden"), this, [this] { editor.Cut(); });
+    edit->addAction(QStringLiteral("&Kopieren"), this, [this] { editor.Copy(); });
+    edit->addAction(QStringLiteral("&Einfügen"), this, [this] { editor.Paste(); });
+    edit->addSeparator();
+    edit->addAction(QStringLiteral("Alles &markieren"), this, [this] { editor.SetSel(0, -1); });
+
+    QMenu* script = menuBar()->addMenu(QStringLiteral("&Script"));
+    script->addAction(QStringLiteral("Ü&bersetzen"), QKeySequence(Qt::Key_F7), this, [this] { CompileText(); });
+    script->addAction(QStringLiteral("&Ausführen"), QKeySequence(Qt::Key_F5), this, [this] { RunText(); });
+    script->addSeparator();
+    script->addAction(QStringLiteral("&Vorspann-Ordner …"), this, [this] { ChoosePreludeDirectory(); });
+}
+
+// --- files ---------------------------------------------------------------------
+
+void CQelEditWindow::LoadText(const CString& latin1, const QString& path) {
+    editor.SetWindowText(latin1);
+    savedText = ScriptTextOf(editor);
+    filePath = path;
+    if (!preludeChosen && !path.isEmpty()) SetPreludeDirectory(DirectoryOf(path), false);
+    UpdateTitle();
+}
+
+bool CQelEditWindow::OpenFile(const QString& path) {
+    CString text;
+    if (!ReadScriptFile(path, text)) return false;
+    LoadText(text, QFileInfo(path).absoluteFilePath());
+    return true;
+}
+
+void CQelEditWindow::StartNewFile(const QString& path) {
+    LoadText(CString(), path.isEmpty() ? QString() : QFileInfo(path).absoluteFilePath());
+}
+
+bool CQelEditWindow::SaveTo(const QString& path) {
+    const CString text = ScriptTextOf(editor);
+    if (!WriteScriptFile(path, text)) {
+        GetUserInterface().ShowMessage(FromQString(QStringLiteral("Die Datei %1 kann nicht geschrieben werden.").arg(path)),
+                                       "qel-edit", CUserInterface::IconError);
+        return false;
+    }
+    savedText = text;
+    filePath = QFileInfo(path).absoluteFilePath();
+    if (!preludeChosen) SetPreludeDirectory(DirectoryOf(filePath), false);
+    UpdateTitle();
+    return true;
+}
+
+void CQelEditWindow::NewFile() {
+    if (ConfirmDiscard()) StartNewFile(QString());
+}
+
+void CQelEditWindow::OpenByDialog() {
+    if (!ConfirmDiscard()) return;
+    CString chosen = "*.qel";
+    if (!GetUserInterface().FileDialog(true, "*.qel", scriptFilter, OFN_FILEMUSTEXIST | OFN_HIDEREADONLY, chosen))
+        return;
+    const QString path = PathOf(chosen);
+    if (!OpenFile(path))
+        GetUserInterface().ShowMessage(FromQString(QStringLiteral("Die Datei %1 kann nicht gelesen werden.").arg(path)),
+                                       "qel-edit", CUserInterface::IconError);
+}
+
+bool CQelEditWindow::Save() { return filePath.isEmpty() ? SaveAs() : SaveTo(filePath); }
+
+bool CQelEditWindow::SaveAs() {
+    CString chosen = filePath.isEmpty() ? CString("*.qel") : FileName(filePath);
+    if (!GetUserInterface().FileDialog(false, "*.qel", scriptFilter, OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY, chosen))
+        return false;
+    return SaveTo(PathOf(chosen));
+}
+
+bool CQelEditWindow::IsModified() const { return ScriptTextOf(editor) != savedText; }
+
+bool CQelEditWindow::ConfirmDiscard() {
+    if (!IsModified()) return true;
+    const QString name = filePath.isEmpty() ? QStringLiteral("Unbenannt") : QFileInfo(filePath).fileName();
+    const auto answer = QMessageBox::question(
+        this, QStringLiteral("qel-edit"), QStringLiteral("Änderungen an %1 speichern?").arg(name),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+    if (answer == QMessageBox::Save) return Save();
+    return answer == QMessageBox::Discard;
+}
+
+void CQelEditWindow::closeEvent(QCloseEvent* event) {
+    if (ConfirmDiscard())
+        event->accept();
+    else
+        event->ignore();
+}
+
+void CQelEditWindow::UpdateTitle() {
+    const QString name = filePath.isEmpty() ? QStringLiteral("Unbenannt") : QFileInfo(filePath).fileName();
+    setWindowTitle(name + QStringLiteral("[*] – qel-edit"));
+    setWindowModified(IsModified());
+}
+
+// --- prelude, compile and run ------------------------------------------------------
+
+void CQelEditWindow::SetPreludeDirectory(const QString& directory, bool chosen) {
+    preludeDirectory = QFileInfo(directory).absoluteFilePath();
+    preludeChosen = preludeChosen || chosen;
+    preludeStatus->setText(QStringLiteral("Vorspann: %1").arg(PreludePath(preludeDirectory)));
+    LearnWords();
+}
+
+void CQelEditWindow::ChoosePreludeDirectory() {
+    const QString directory = QFileDialog::getExistingDirectory(this, QStringLiteral("Vorspann-Ordner"),
+                                                                preludeDirectory);
+    if (!directory.isEmpty()) SetPreludeDirectory(directory, true);
+}
+
+// The word lists of the editors are the process's; they are learnt anew when
+// the prelude changes, so the names of the prelude in force are coloured.
+void CQelEditWindow::LearnWords() {
+    const QString prelude = PreludePath(preludeDirectory);
+    if (prelude == learntPrelude) return;
+    szKeywords.Empty();
+    szConstants.Empty();
+    Keywords.RemoveAll();
+    GlobaleSymbole.RemoveAll();
+    InitTWScriptEdit(&editor, nullptr, editorId, FileName(prelude));
+    learntPrelude = prelude;
+}
+
+int CQelEditWindow::CompileText() {
+    const int result = CompileScript(preludeDirectory, ScriptTextOf(editor), false);
+    ShowLastRun(QStringLiteral("Übersetzen"), result, false);
+    return result;
+}
+
+int CQelEditWindow::RunText() {
+    _VarSuccess = 0;
+    const int result = CompileScript(preludeDirectory, ScriptTextOf(editor), true);
+    ShowLastRun(QStringLiteral("Ausführen"), result, true);
+    return result;
+}
+
+void CQelEditWindow::ShowLastRun(const QString& command, int result, bool withSuccessCode) {
+    QString text = QStringLiteral("%1: Ergebnis %2").arg(command).arg(result);
+    if (withSuccessCode) text += QStringLiteral(", Erfolgscode %1").arg(_VarSuccess);
+    runStatus->setText(text);
+    runStatus->setStyleSheet(result == 1 ? QString() : QStringLiteral("color: #c00000;"));
+}
+
+QString CQelEditWindow::LastRunText() const { return runStatus->text(); }

@@ -1,0 +1,207 @@
+// CQtRichEditWidget: changes of the text, with the protected-text notice
+// before and the change and selection notices after each, and the undo steps.
+#include <QMimeData>
+
+#include "richedit_state.h"
+
+using namespace qt_richedit;
+
+namespace {
+// "\r" paragraph ends as "\r\n", as the clipboard has them.
+CString WithCrLf(const CString& text) {
+    std::string out;
+    out.reserve(static_cast<size_t>(text.GetLength()) + 64);
+    for (char c : text.str()) {
+        out += c;
+        if (c == '\r') out += '\n';
+    }
+    return CString(std::move(out));
+}
+
+void RecordUndo(std::deque<UndoStep>& undo, const QTextCursor& range, int insertedLength, bool newLine,
+                UndoMode mode) {
+    const int start = range.selectionStart();
+    const int end = range.selectionEnd();
+    if (mode == UndoMode::None) {
+        if (insertedLength != end - start) undo.clear();
+        return;
+    }
+    UndoStep* last = undo.empty() ? nullptr : &undo.back();
+    const bool joins = mode == UndoMode::Typing && last && last->typing && start == end &&
+                       last->start + last->insertedLength == start;
+    if (joins) {
+        last->insertedLength += insertedLength;
+    } else {
+        UndoStep step;
+        step.start = start;
+        step.removed = range.selection();
+        step.removedLength = end - start;
+        step.insertedLength = insertedLength;
+        step.typing = mode == UndoMode::Typing;
+        undo.push_back(std::move(step));
+        if (undo.size() > undoLimit) undo.pop_front();
+    }
+    // A new line ends the typing step, so that undo goes line by line.
+    if (mode == UndoMode::Typing && newLine) undo.back().typing = false;
+}
+}  // namespace
+
+bool CQtRichEditWidget::AskProtected(UINT message, WPARAM wParam, int start, int end) {
+    if (!state->RangeIsProtected(start, end)) return true;
+    ENPROTECTED info;
+    info.msg = message;
+    info.wParam = wParam;
+    info.chrg.cpMin = start;
+    info.chrg.cpMax = end;
+    return NotifyOwner(EN_PROTECTED, &info.nmhdr) == 0;
+}
+
+void CQtRichEditWidget::NotifyChanged() {
+    NMHDR change;
+    NotifyOwner(EN_CHANGE, &change);
+    NotifySelection(true);
+}
+
+bool CQtRichEditWidget::ReplaceRange(int start, int end, const QString& inserted, UINT message,
+                                     WPARAM wParam, int undoMode) {
+    State& s = *state;
+    if (!s.view) return false;
+    start = std::clamp(start, 0, s.Length());
+    end = std::clamp(end, start, s.Length());
+    if (!AskProtected(message, wParam, start, end) || !s.view) return false;
+    // The handler of the notice may have changed the text.
+    start = std::clamp(start, 0, s.Length());
+    end = std::clamp(end, start, s.Length());
+    {
+        OwnChange own(s);
+        const QTextCharFormat format = s.InsertionFormat(start, end);
+        QTextCursor range = s.Range(start, end);
+        RecordUndo(s.undo, range, static_cast<int>(inserted.size()), inserted == u"\n",
+                   static_cast<UndoMode>(undoMode));
+        range.insertText(inserted, format);
+        QTextCursor caret(s.Document());
+        caret.setPosition(std::min(start + static_cast<int>(inserted.size()), s.Length()));
+        s.pendingFormat.reset();
+        s.SetCursor(caret);
+    }
+    NotifyChanged();
+    return true;
+}
+
+void CQtRichEditWidget::SetText(const char* text) {
+    State& s = *state;
+    if (!s.view) return;
+    {
+        OwnChange own(s);
+        s.Document()->setPlainText(ToQt(text));
+        s.undo.clear();
+        s.pendingFormat.reset();
+        s.SetCursor(QTextCursor(s.Document()));
+    }
+    NotifyChanged();
+}
+
+void CQtRichEditWidget::ReplaceSel(const char* text, bool canUndo) {
+    int start = 0;
+    int end = 0;
+    GetSel(start, end);
+    ReplaceRange(start, end, ToQt(text), EM_REPLACESEL, canUndo ? TRUE : FALSE,
+                 static_cast<int>(canUndo ? UndoMode::Record : UndoMode::None));
+}
+
+void CQtRichEditWidget::Copy() {
+    int start = 0;
+    int end = 0;
+    GetSel(start, end);
+    if (start < end) GetClipboard().SetText(WithCrLf(GetTextRange(start, end)));
+}
+
+void CQtRichEditWidget::Cut() {
+    int start = 0;
+    int end = 0;
+    GetSel(start, end);
+    if (state->readOnly || start >= end) return;
+    Copy();
+    ReplaceRange(start, end, QString(), WM_CUT, 0, static_cast<int>(UndoMode::Record));
+}
+
+void CQtRichEditWidget::Paste() {
+    if (state->readOnly) return;
+    const QString text = ToQt(GetClipboard().GetText());
+    if (text.isEmpty()) return;
+    int start = 0;
+    int end = 0;
+    GetSel(start, end);
+    ReplaceRange(start, end, text, WM_PASTE, 0, static_cast<int>(UndoMode::Record));
+}
+
+void CQtRichEditWidget::Clear() {
+    int start = 0;
+    int end = 0;
+    GetSel(start, end);
+    if (state->readOnly || start >= end) return;
+    ReplaceRange(start, end, QString(), WM_CLEAR, 0, static_cast<int>(UndoMode::Record));
+}
+
+// A drop or a middle-click paste: plain text only, as a paste.
+void CQtRichEditWidget::TextDropped(const QMimeData* source) {
+    if (state->readOnly || !source || !source->hasText()) return;
+    const QString text = ToQt(FromQt(source->text()));
+    if (text.isEmpty()) return;
+    int start = 0;
+    int end = 0;
+    GetSel(start, end);
+    ReplaceRange(start, end, text, WM_PASTE, 0, static_cast<int>(UndoMode::Record));
+}
+
+void CQtRichEditWidget::DeleteByKey(UINT key, bool wholeWord) {
+    State& s = *state;
+    if (s.readOnly || !s.view) return;
+    int start = 0;
+    int end = 0;
+    GetSel(start, end);
+    if (start == end) {
+        QTextCursor cursor = s.Range(start, start);
+        const bool forward = key == VK_DELETE;
+        if (wholeWord)
+            cursor.movePosition(forward ? QTextCursor::NextWord : QTextCursor::PreviousWord,
+                                QTextCursor::KeepAnchor);
+        else
+            cursor.movePosition(forward ? QTextCursor::NextCharacter : QTextCursor::PreviousCharacter,
+                                QTextCursor::KeepAnchor);
+        start = cursor.selectionStart();
+        end = cursor.selectionEnd();
+    }
+    if (start == end) return;
+    ReplaceRange(start, end, QString(), WM_KEYDOWN, key, static_cast<int>(UndoMode::Record));
+}
+
+bool CQtRichEditWidget::CanUndo() const { return !state->undo.empty(); }
+
+bool CQtRichEditWidget::Undo() {
+    State& s = *state;
+    if (s.readOnly || s.undo.empty() || !s.view) return false;
+    UndoStep step = std::move(s.undo.back());
+    s.undo.pop_back();
+    {
+        OwnChange own(s);
+        const int start = std::clamp(step.start, 0, s.Length());
+        const int end = std::clamp(start + step.insertedLength, start, s.Length());
+        QTextCursor range = s.Range(start, end);
+        range.removeSelectedText();
+        if (!step.removed.isEmpty()) range.insertFragment(step.removed);
+        s.pendingFormat.reset();
+        s.SetCursor(s.Range(start, start + step.removedLength));
+    }
+    NotifyChanged();
+    return true;
+}
+
+void CQtRichEditWidget::EmptyUndoBuffer() { state->undo.clear(); }
+
+// The steps no longer fit a text that Qt changed by itself.
+void CQtRichEditWidget::TextChangedOutside() {
+    state->undo.clear();
+    state->pendingFormat.reset();
+    NotifyChanged();
+}

@@ -1,0 +1,375 @@
+// CQtRichEditWidget: construction, text, lines, selection, formats and the
+// window side. Editing and undo are in richedit_editing.cpp, input in
+// richedit_input.cpp.
+#include <QScrollBar>
+#include <QTimer>
+#include <cstring>
+
+#include "richedit_state.h"
+
+using namespace qt_richedit;
+
+namespace {
+constexpr double twipsPerInch = 1440.0;
+constexpr double pixelsPerInch = 96.0;  // Qt scales logical pixels to the screen
+
+CHARFORMAT InitialDefaultFormat() {
+    CHARFORMAT cf;
+    cf.dwMask = CFM_ALL;
+    cf.dwEffects = CFE_AUTOCOLOR;
+    cf.yHeight = 200;
+    const char face[] = "Courier New";
+    std::memcpy(cf.szFaceName, face, sizeof face);
+    return cf;
+}
+}  // namespace
+
+// --- state helpers -------------------------------------------------------------
+
+QTextDocument* CQtRichEditWidget::State::Document() const { return view ? view->document() : nullptr; }
+
+int CQtRichEditWidget::State::Length() const {
+    const QTextDocument* document = Document();
+    return document ? document->characterCount() - 1 : 0;
+}
+
+QTextCursor CQtRichEditWidget::State::Cursor() const {
+    if (!view) return QTextCursor();
+    return updateLocks > 0 ? lockCursor : view->textCursor();
+}
+
+void CQtRichEditWidget::State::SetCursor(const QTextCursor& cursor) {
+    if (!view) return;
+    if (updateLocks > 0) {
+        lockCursor = cursor;
+        return;
+    }
+    view->setTextCursor(cursor);
+}
+
+QTextCursor CQtRichEditWidget::State::Range(int start, int end) const {
+    QTextCursor cursor(Document());
+    cursor.setPosition(std::clamp(start, 0, Length()));
+    cursor.setPosition(std::clamp(end, 0, Length()), QTextCursor::KeepAnchor);
+    return cursor;
+}
+
+// The format that inserted text takes: the one set for it, else that of the
+// first replaced character, else of the character before the caret.
+QTextCharFormat CQtRichEditWidget::State::InsertionFormat(int start, int end) const {
+    if (pendingFormat) return *pendingFormat;
+    QTextCursor cursor(Document());
+    cursor.setPosition(start < end ? start + 1 : start);
+    return cursor.charFormat();
+}
+
+bool CQtRichEditWidget::State::RangeIsProtected(int start, int end) const {
+    if (start >= end) return IsProtected(InsertionFormat(start, end));
+    bool found = false;
+    ForEachRun(Document(), start, end,
+               [&found](const QTextCharFormat& format, int, int) { found = found || IsProtected(format); });
+    return found;
+}
+
+// --- construction ----------------------------------------------------------------
+
+CQtRichEditWidget::CQtRichEditWidget() : state(std::make_unique<State>()) {
+    State& s = *state;
+    s.view = new CQtTextEditView(this);
+    s.defaultFormat = InitialDefaultFormat();
+    QTextDocument* document = s.Document();
+    // The widget keeps its own undo steps; the document's would record every
+    // colouring as a step.
+    document->setUndoRedoEnabled(false);
+    ApplyDefaultFormat();
+
+    // Qt changes the document itself only when text is dragged out of it.
+    QObject::connect(document, &QTextDocument::contentsChange, s.view, [this](int, int, int) {
+        if (state->ownChanges > 0) return;
+        QTimer::singleShot(0, state->view, [this] { TextChangedOutside(); });
+    });
+    QObject::connect(s.view, &QTextEdit::cursorPositionChanged, s.view, [this] { SelectionMovedByUser(); });
+    QObject::connect(s.view, &QTextEdit::selectionChanged, s.view, [this] { SelectionMovedByUser(); });
+}
+
+CQtRichEditWidget::~CQtRichEditWidget() {
+    if (CQtTextEditView* view = state->view) {
+        view->DetachOwner();
+        QObject::disconnect(view, nullptr, nullptr, nullptr);
+        QObject::disconnect(view->document(), nullptr, view, nullptr);
+        delete view;
+    }
+}
+
+QTextEdit* CQtRichEditWidget::GetTextEdit() const { return state->view; }
+
+std::unique_ptr<CRichEditWidget> CreateQtRichEditWidget(CWnd*, int) {
+    return std::make_unique<CQtRichEditWidget>();
+}
+
+// --- text and lines --------------------------------------------------------------
+
+int CQtRichEditWidget::GetTextLength() const { return state->Length(); }
+
+CString CQtRichEditWidget::GetTextRange(int start, int end) const {
+    if (!state->view) return CString();
+    const int length = state->Length();
+    start = std::clamp(start, 0, length);
+    end = std::clamp(end, 0, length);
+    if (start >= end) return CString();
+    return FromQt(state->Range(start, end).selectedText());
+}
+
+int CQtRichEditWidget::GetLineCount() const {
+    const QTextDocument* document = state->Document();
+    return document ? document->blockCount() : 1;
+}
+
+int CQtRichEditWidget::LineFromChar(int position) const {
+    const QTextDocument* document = state->Document();
+    if (!document) return 0;
+    return document->findBlock(std::clamp(position, 0, state->Length())).blockNumber();
+}
+
+int CQtRichEditWidget::LineIndex(int line) const {
+    const QTextDocument* document = state->Document();
+    if (!document || line < 0 || line >= document->blockCount()) return line == 0 ? 0 : -1;
+    return document->findBlockByNumber(line).position();
+}
+
+// --- selection -------------------------------------------------------------------
+
+void CQtRichEditWidget::GetSel(int& start, int& end) const {
+    const QTextCursor cursor = state->Cursor();
+    start = cursor.selectionStart();
+    end = cursor.selectionEnd();
+}
+
+void CQtRichEditWidget::SetSel(int start, int end) {
+    State& s = *state;
+    if (!s.view) return;
+    const QTextCursor before = s.Cursor();
+    {
+        OwnChange own(s);
+        const QTextCursor range = s.Range(std::min(start, end), std::max(start, end));
+        if (range.anchor() != before.anchor() || range.position() != before.position()) {
+            s.pendingFormat.reset();
+            s.SetCursor(range);
+        }
+    }
+    NotifySelection(false);
+}
+
+void CQtRichEditWidget::NotifySelection(bool always) {
+    int start = 0;
+    int end = 0;
+    GetSel(start, end);
+    if (!always && start == state->notifiedStart && end == state->notifiedEnd) return;
+    state->notifiedStart = start;
+    state->notifiedEnd = end;
+    SELCHANGE info;
+    info.chrg.cpMin = start;
+    info.chrg.cpMax = end;
+    info.seltyp = start < end ? SEL_TEXT : SEL_EMPTY;
+    NotifyOwner(EN_SELCHANGE, &info.nmhdr);
+}
+
+void CQtRichEditWidget::SelectionMovedByUser() {
+    if (state->ownChanges > 0 || state->updateLocks > 0) return;
+    state->pendingFormat.reset();
+    NotifySelection(false);
+}
+
+// Hidden, the selection keeps its place but shows no highlight.
+void CQtRichEditWidget::HideSelection(bool hide, bool) {
+    State& s = *state;
+    if (!s.view || hide == s.selectionHidden) return;
+    s.selectionHidden = hide;
+    QPalette palette = s.view->palette();
+    if (hide) {
+        s.shownHighlight = palette.brush(QPalette::Highlight);
+        s.shownHighlightedText = palette.brush(QPalette::HighlightedText);
+        palette.setBrush(QPalette::Highlight, Qt::transparent);
+        palette.setBrush(QPalette::HighlightedText, palette.brush(QPalette::Text));
+    } else {
+        palette.setBrush(QPalette::Highlight, s.shownHighlight);
+        palette.setBrush(QPalette::HighlightedText, s.shownHighlightedText);
+    }
+    s.view->setPalette(palette);
+}
+
+// --- formats ---------------------------------------------------------------------
+
+DWORD CQtRichEditWidget::GetSelectionCharFormat(CHARFORMAT& cf) const {
+    const State& s = *state;
+    int start = 0;
+    int end = 0;
+    GetSel(start, end);
+    if (!s.view || start >= end) {
+        FillCharFormat(s.view ? s.InsertionFormat(start, end) : QTextCharFormat(), s.defaultFormat, cf);
+        return cf.dwMask;
+    }
+    bool first = true;
+    DWORD same = CFM_ALL;
+    CHARFORMAT run;
+    ForEachRun(s.Document(), start, end, [&](const QTextCharFormat& format, int, int) {
+        FillCharFormat(format, s.defaultFormat, first ? cf : run);
+        if (!first) same &= SameItems(cf, run);
+        first = false;
+    });
+    if (first) FillCharFormat(s.InsertionFormat(start, end), s.defaultFormat, cf);
+    cf.dwMask = same;
+    return same;
+}
+
+bool CQtRichEditWidget::SetSelectionCharFormat(const CHARFORMAT& cf) {
+    State& s = *state;
+    if (!s.view) return false;
+    int start = 0;
+    int end = 0;
+    GetSel(start, end);
+    const bool autoColour = (cf.dwMask & CFM_COLOR) && (cf.dwEffects & CFE_AUTOCOLOR);
+    if (start >= end) {
+        QTextCharFormat format = s.InsertionFormat(start, end);
+        format.merge(MaskedFormat(cf));
+        if (autoColour) format.clearForeground();
+        s.pendingFormat = format;
+        return true;
+    }
+    if (!AskProtected(EM_SETCHARFORMAT, 0, start, end)) return false;
+    OwnChange own(s);
+    QTextCursor range = s.Range(start, end);
+    range.mergeCharFormat(MaskedFormat(cf));
+    if (autoColour) ClearColour(start, end);
+    return true;
+}
+
+void CQtRichEditWidget::ClearColour(int start, int end) {
+    State& s = *state;
+    struct Run {
+        QTextCharFormat format;
+        int start, end;
+    };
+    std::vector<Run> runs;
+    ForEachRun(s.Document(), start, end,
+               [&runs](const QTextCharFormat& format, int from, int to) { runs.push_back({format, from, to}); });
+    for (Run& run : runs) {
+        run.format.clearForeground();
+        s.Range(run.start, run.end).setCharFormat(run.format);
+    }
+}
+
+DWORD CQtRichEditWidget::GetDefaultCharFormat(CHARFORMAT& cf) const {
+    const UINT size = cf.cbSize;
+    cf = state->defaultFormat;
+    cf.cbSize = size;
+    return cf.dwMask = CFM_ALL;
+}
+
+bool CQtRichEditWidget::SetDefaultCharFormat(const CHARFORMAT& cf) {
+    CHARFORMAT& target = state->defaultFormat;
+    FillCharFormat(MaskedFormat(cf), target, target);
+    if ((cf.dwMask & CFM_COLOR) && (cf.dwEffects & CFE_AUTOCOLOR)) target.dwEffects |= CFE_AUTOCOLOR;
+    ApplyDefaultFormat();
+    return true;
+}
+
+// Text without formats of its own shows the default format.
+void CQtRichEditWidget::ApplyDefaultFormat() {
+    State& s = *state;
+    if (!s.view) return;
+    OwnChange own(s);
+    const CHARFORMAT& cf = s.defaultFormat;
+    s.view->setFont(FontOf(cf));
+    QPalette palette = s.view->palette();
+    const QColor text = (cf.dwEffects & CFE_AUTOCOLOR)
+                            ? QPalette().color(QPalette::Text)
+                            : QColor(GetRValue(cf.crTextColor), GetGValue(cf.crTextColor),
+                                     GetBValue(cf.crTextColor));
+    palette.setColor(QPalette::Text, text);
+    s.view->setPalette(palette);
+}
+
+// Tab stops hold for the whole text: a script has no paragraph formats.
+bool CQtRichEditWidget::SetParaFormat(const PARAFORMAT& pf) {
+    State& s = *state;
+    s.para = pf;
+    if (!s.view || !(pf.dwMask & PFM_TABSTOPS)) return s.view != nullptr;
+    QList<QTextOption::Tab> tabs;
+    const int count = std::clamp<int>(pf.cTabCount, 0, MAX_TAB_STOPS);
+    qreal last = 0;
+    qreal step = 0;
+    for (int i = 0; i < count; ++i) {
+        const qreal position = pf.rgxTabs[i] / twipsPerInch * pixelsPerInch;
+        if (position <= last) continue;
+        step = position - last;
+        last = position;
+        tabs.append(QTextOption::Tab(position, QTextOption::LeftTab));
+    }
+    QTextDocument* document = s.Document();
+    QTextOption option = document->defaultTextOption();
+    option.setTabs(tabs);
+    if (step > 0) option.setTabStopDistance(step);
+    OwnChange own(s);
+    document->setDefaultTextOption(option);
+    return true;
+}
+
+// --- window side -----------------------------------------------------------------
+
+// While locked the widget paints nothing, and the selection that the engine
+// moves about lives apart from the view's, so the view neither scrolls nor
+// flickers; it gets the final selection at the release.
+void CQtRichEditWidget::LockUpdate(bool lock) {
+    State& s = *state;
+    if (!s.view) return;
+    if (lock) {
+        if (s.updateLocks++ > 0) return;
+        s.lockCursor = s.view->textCursor();
+        s.lockScrollX = s.view->horizontalScrollBar()->value();
+        s.lockScrollY = s.view->verticalScrollBar()->value();
+        s.view->setUpdatesEnabled(false);
+        return;
+    }
+    if (s.updateLocks == 0 || --s.updateLocks > 0) return;
+    const QTextCursor shown = s.view->textCursor();
+    {
+        OwnChange own(s);
+        if (shown.anchor() != s.lockCursor.anchor() || shown.position() != s.lockCursor.position()) {
+            s.view->setTextCursor(s.lockCursor);
+        } else {
+            s.view->horizontalScrollBar()->setValue(s.lockScrollX);
+            s.view->verticalScrollBar()->setValue(s.lockScrollY);
+        }
+    }
+    s.lockCursor = QTextCursor();
+    s.view->setUpdatesEnabled(true);
+    s.view->viewport()->update();
+}
+
+// A widget without a parent window is never shown on its own: it is the
+// hidden view's, or waits to be put into a window.
+void CQtRichEditWidget::Show(bool visible) {
+    state->shown = visible;
+    if (state->view && state->view->parentWidget()) state->view->setVisible(visible);
+}
+
+void CQtRichEditWidget::Focus() {
+    if (state->view && !state->view->hasFocus()) state->view->setFocus(Qt::OtherFocusReason);
+}
+
+// Read-only text can still be walked with the caret and selected by keys.
+void CQtRichEditWidget::SetReadOnly(bool readOnly) {
+    State& s = *state;
+    s.readOnly = readOnly;
+    if (!s.view) return;
+    s.view->setReadOnly(readOnly);
+    if (readOnly) s.view->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+}
+
+bool CQtRichEditWidget::IsReadOnly() const { return state->readOnly; }
+
+int CQtRichEditWidget::UndoStepCount() const { return static_cast<int>(state->undo.size()); }
+bool CQtRichEditWidget::IsUpdateLocked() const { return state->updateLocks > 0; }
+bool CQtRichEditWidget::IsSelectionHidden() const { return state->selectionHidden; }
+bool CQtRichEditWidget::IsShown() const { return state->shown; }
