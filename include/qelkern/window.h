@@ -260,8 +260,8 @@ protected:
 private:
     struct Item {
         const DialogItem* resource = nullptr;
-        std::unique_ptr<CWnd> window;              // the item's own window
-        std::unique_ptr<CRichEditWidget> widget;   // rich edit items only
+        std::unique_ptr<CRichEditWidget> widget;  // rich edit items only; outlives `window`
+        std::unique_ptr<CWnd> window;             // the item's own window
     };
     void CreateItems();
 
