@@ -198,6 +198,13 @@ TEST(Errors, RoutineDeclarations) {
         // No forward declaration: a routine cannot call a later sibling.
         {"PROCEDURE a(); BEGIN b() END; PROCEDURE b(); BEGIN END; BEGIN END.",
          "Dieser Bezeichner ist nicht vereinbart."},
+        // A routine does not see the variables declared behind it.
+        {"PROCEDURE p(); BEGIN x := 1 END; VAR x : INTEGER; BEGIN END.",
+         "Dieser Bezeichner ist nicht vereinbart."},
+        // VAR holds up to the next semicolon of the list only.
+        {"PROCEDURE p(VAR a : INTEGER; b : INTEGER); BEGIN END; VAR v : INTEGER; "
+         "BEGIN p(1, v) END.",
+         "Variable erwartet."},
         // Outside its body the result variable is not in scope.
         {"FUNCTION f() : INTEGER; BEGIN END; BEGIN f := 1 END.",
          "Dieser Bezeichner ist nicht vereinbart."},
@@ -206,7 +213,8 @@ TEST(Errors, RoutineDeclarations) {
     ScopedRecordingUi ui;
     EXPECT_EQ(RunText("PROCEDURE p(a : INTEGER;); BEGIN END; "
                       "PROCEDURE q(a : INTEGER b : DOUBLE); VAR q : INTEGER; BEGIN q := a END; "
-                      "BEGIN p(1); q(1, 2) END.",
+                      "PROCEDURE r(VAR a : INTEGER; b : INTEGER); BEGIN END; VAR v : INTEGER; "
+                      "BEGIN p(1); q(1, 2); r(v, 1 + 2) END.",
                       true),
               1);
     EXPECT_TRUE(ui.ui.events.empty());

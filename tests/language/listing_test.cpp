@@ -127,6 +127,11 @@ TEST(Listing, ArraysInAFrame) {
                        "LIT (int)0", "STO 0, 9", "LOD 0, 9", "LIT (int)1", "OPR +", "LIT \"x\"",
                        "STOI 0, 3", "LIT (int)0", "LIT (int)1", "LODI 0, 6", "STOI 0, 3",
                        "LOD 0, 6", "OPR --", "STO 0, 9", "OPR RET"}));
+    // Nothing pending behind the last array, and the scalar before it is
+    // initialised all the same.
+    EXPECT_EQ(ListingOf("VAR x : INTEGER; a : ARRAY [2] OF DOUBLE; BEGIN END."),
+              Listing({"INT 0, 4, \"main\"", "LIT (int)2, \"Arraygröße\"", "INT 0, 2, \"main\"",
+                       "LIT (int)0", "STO 0, 3", "OPR RET"}));
     // A routine behind an array is skipped by the second jump.
     EXPECT_EQ(ListingOf("VAR a : ARRAY [1] OF INTEGER; PROCEDURE p(); BEGIN END; BEGIN p() END."),
               Listing({"INT 0, 3, \"main\"", "LIT (int)1, \"Arraygröße\"", "INT 0, 1, \"main\"",
@@ -167,6 +172,21 @@ TEST(Listing, CallsPushAndTakeBack) {
                        "LIT (int)2, \"Arraygröße\"", "LIT (int)0", "LODI 0, 3", "LIT (int)1",
                        "LODI 0, 3", "CALL 0, 4", "LIT (int)1", "SWAP 0, 0", "STOI 0, 3",
                        "LIT (int)0", "SWAP 0, 0", "STOI 0, 3", "INT 0, -1", "OPR RET"}));
+}
+
+TEST(Listing, ParameterAndResultOffsets) {
+    // The last parameter ends at -1, an array's address is its size cell,
+    // and the result cell lies below all parameters.
+    EXPECT_EQ(ListingOf("FUNCTION f(a, b : INTEGER; VAR c : DOUBLE; d : ARRAY [2] OF STRING) "
+                        ": INTEGER; BEGIN f := a; f := b; c := c; d[0] := d[1] END; BEGIN END."),
+              Listing({"JMP 0, 13, \"main\"", "INT 0, 3, \"func. f\"", "LOD 0, -6", "STO 0, -7",
+                       "LOD 0, -5", "STO 0, -7", "LOD 0, -4", "STO 0, -4", "LIT (int)0",
+                       "LIT (int)1", "LODI 0, -3", "STOI 0, -3", "OPR RET", "INT 0, 3, \"main\"",
+                       "OPR RET"}));
+    EXPECT_EQ(ListingOf("FUNCTION f() : DOUBLE; BEGIN f := 1 END; BEGIN END."),
+              Listing({"JMP 0, 6, \"main\"", "INT 0, 3, \"func. f\"", "LIT (int)1",
+                       "OPR doubleCast", "STO 0, -1", "OPR RET", "INT 0, 3, \"main\"",
+                       "OPR RET"}));
 }
 
 TEST(Listing, StaticLinksOfNestedRoutines) {
