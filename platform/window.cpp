@@ -51,9 +51,11 @@ LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
 
 LRESULT CWnd::DefWindowProc(UINT message, WPARAM, LPARAM lParam) {
     switch (message) {
-    case WM_SETTEXT:
-        windowText = reinterpret_cast<const char*>(lParam);
+    case WM_SETTEXT: {
+        const char* text = reinterpret_cast<const char*>(lParam);
+        windowText = text ? text : "";
         return TRUE;
+    }
     case WM_GETTEXTLENGTH:
         return GetWindowTextImpl().GetLength();
     default:
