@@ -15,7 +15,12 @@ void ModalHandler::Poll() {
     if (!modal || !modal->isVisible()) return;
     if (std::find(seen.begin(), seen.end(), modal) != seen.end()) return;
     seen.emplace_back(modal);
-    handle(modal);
+    // A timer does not fire again while its handler runs, and a handler may
+    // open the next modal window: each window gets a timer of its own.
+    QPointer<QWidget> window = modal;
+    QTimer::singleShot(0, modal, [this, window] {
+        if (window) handle(window);
+    });
 }
 
 void TypeText(QWidget* widget, const QString& text) {

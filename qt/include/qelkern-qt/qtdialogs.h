@@ -20,6 +20,8 @@ class QPushButton;
 // here: the caller lends their widgets with LendItem, and gets them back
 // (unparented) when the window goes.
 class CQtResourceDialog : public QDialog {
+    Q_OBJECT
+
 public:
     CQtResourceDialog(const DialogTemplate& resource, QWidget* parent);
     ~CQtResourceDialog() override;
@@ -52,6 +54,8 @@ private:
 // Resource 129: one whole number, OK and "Abbrechen". OK with anything but a
 // whole number says so and keeps the dialog open.
 class CQtNumberEntryDialog : public CQtResourceDialog {
+    Q_OBJECT
+
 public:
     CQtNumberEntryDialog(const CString& prompt, int value, QWidget* parent = nullptr);
 
