@@ -1,5 +1,8 @@
 #include "support/test_support.h"
 
+#include <unistd.h>
+
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -57,9 +60,27 @@ std::vector<CString> RecordingUserInterface::Messages() const {
 ScopedRecordingUi::ScopedRecordingUi() : previous(pUserInterface) { pUserInterface = &ui; }
 ScopedRecordingUi::~ScopedRecordingUi() { pUserInterface = previous; }
 
+// ctest runs test processes side by side: each gets a directory of its own,
+// removed when it ends.
+static void RemoveProcessTempDir();
+
+static const std::filesystem::path& ProcessTempDir() {
+    static const std::filesystem::path dir =
+        std::filesystem::path(QEL_BINARY_DIR) / "test-tmp" / std::to_string(getpid());
+    // Registered after `dir` is made, so it runs before `dir` is destroyed.
+    static const bool removedAtExit = std::atexit(RemoveProcessTempDir) == 0;
+    (void)removedAtExit;
+    return dir;
+}
+
+static void RemoveProcessTempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(ProcessTempDir(), ignored);
+}
+
 std::string MakeTempDir(const std::string& name) {
     namespace fs = std::filesystem;
-    fs::path dir = fs::path(QEL_BINARY_DIR) / "test-tmp" / name;
+    fs::path dir = ProcessTempDir() / name;
     fs::remove_all(dir);
     fs::create_directories(dir);
     return dir.string() + "/";
