@@ -93,7 +93,13 @@ void CQtRichEditWidget::SetText(const char* text) {
     if (!s.view) return;
     {
         OwnChange own(s);
+        // The whole text goes: an edit block of a lock may not span that.
+        if (s.updateLocks > 0) s.batch.endEditBlock();
         s.Document()->setPlainText(ToQt(text));
+        if (s.updateLocks > 0) {
+            s.batch = QTextCursor(s.Document());
+            s.batch.beginEditBlock();
+        }
         s.undo.clear();
         s.pendingFormat.reset();
         s.SetCursor(QTextCursor(s.Document()));

@@ -100,6 +100,8 @@ void CQtRichEditWidget::KeyPressed(QKeyEvent* event) {
     SendToOwner(WM_KEYDOWN, VirtualKeyOf(*event), keyDownFlags);
     if (!GivesCharacters(event->modifiers())) return;
     QString text = event->text();
+    // Platforms differ in the text of these keys; the control wants 13 and 9.
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) text = QStringLiteral("\r");
     if (text.isEmpty() && event->key() == Qt::Key_Backtab) text = QStringLiteral("\t");
     for (const QChar ch : text)
         if (ch.unicode() <= 0xFF) SendToOwner(WM_CHAR, ch.unicode(), keyDownFlags);

@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextLayout>
 #include <QTextCharFormat>
 #include <QTextCursor>
 #include <QTextDocumentFragment>
@@ -42,15 +43,17 @@ QFont FontOf(const CHARFORMAT& cf);
 bool IsProtected(const QTextCharFormat& format);
 
 // Calls visit(format, start, end) for each run of one format in [start, end).
+// The runs of a block come in one go, so no run asks the document for its
+// position.
 template <class Visit>
 void ForEachRun(const QTextDocument* document, int start, int end, Visit visit) {
-    for (QTextBlock block = document->findBlock(start); block.isValid() && block.position() < end;
-         block = block.next()) {
-        for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) {
-            const QTextFragment fragment = it.fragment();
-            const int from = std::max(start, fragment.position());
-            const int to = std::min(end, fragment.position() + fragment.length());
-            if (from < to) visit(fragment.charFormat(), from, to);
+    for (QTextBlock block = document->findBlock(start); block.isValid(); block = block.next()) {
+        const int blockStart = block.position();
+        if (blockStart >= end) break;
+        for (const QTextLayout::FormatRange& run : block.textFormats()) {
+            const int from = std::max(start, blockStart + run.start);
+            const int to = std::min(end, blockStart + run.start + run.length);
+            if (from < to) visit(run.format, from, to);
         }
     }
 }
@@ -68,6 +71,7 @@ struct CQtRichEditWidget::State {
 
     int updateLocks = 0;
     QTextCursor lockCursor;  // the selection while updates are locked
+    QTextCursor batch;       // holds an edit block open while updates are locked
     int lockScrollX = 0;
     int lockScrollY = 0;
     bool selectionHidden = false;

@@ -319,7 +319,9 @@ bool CQtRichEditWidget::SetParaFormat(const PARAFORMAT& pf) {
 
 // While locked the widget paints nothing, and the selection that the engine
 // moves about lives apart from the view's, so the view neither scrolls nor
-// flickers; it gets the final selection at the release.
+// flickers; it gets the final selection at the release. An edit block is
+// open meanwhile: the document is laid out once at the release, not once for
+// every token that changes its format.
 void CQtRichEditWidget::LockUpdate(bool lock) {
     State& s = *state;
     if (!s.view) return;
@@ -329,9 +331,16 @@ void CQtRichEditWidget::LockUpdate(bool lock) {
         s.lockScrollX = s.view->horizontalScrollBar()->value();
         s.lockScrollY = s.view->verticalScrollBar()->value();
         s.view->setUpdatesEnabled(false);
+        s.batch = QTextCursor(s.Document());
+        s.batch.beginEditBlock();
         return;
     }
     if (s.updateLocks == 0 || --s.updateLocks > 0) return;
+    {
+        OwnChange own(s);
+        s.batch.endEditBlock();
+        s.batch = QTextCursor();
+    }
     const QTextCursor shown = s.view->textCursor();
     {
         OwnChange own(s);

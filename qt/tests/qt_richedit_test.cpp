@@ -3,6 +3,7 @@
 // formats across the boundary; protected text; the clipboard; the update lock.
 #include <QApplication>
 #include <QClipboard>
+#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTest>
@@ -348,6 +349,19 @@ private slots:
         QVERIFY(!e.widget->IsSelectionHidden());
         QVERIFY(e.view->updatesEnabled());
         QCOMPARE(StyleAt(e.edit, 199 * length + line.Find("42") + 1).colour, numberMagenta);
+    }
+
+    // Laid out once per colouring, not once per token: a thousand lines take
+    // well under a second, where a layout per token took half a minute.
+    void colouringALongScriptLaysItOutOnce() {
+        ScriptEditor e;
+        CString script;
+        for (int i = 0; i < 1000; ++i) script += "  IF (i BITAND 1) = 0 THEN MeldungInt(\"a\", \"b\", i) END; (* x *)\r";
+        QElapsedTimer timer;
+        timer.start();
+        e.edit.SetWindowText(script);
+        QVERIFY2(timer.elapsed() < 8000, qPrintable(QString::number(timer.elapsed())));
+        QCOMPARE(StyleAt(e.edit, script.GetLength() - 5).colour, commentGreen);
     }
 
     void aQtWidgetDeletedByItsWindowLeavesTheControlHarmless() {

@@ -1,0 +1,223 @@
+// qel-edit's window: a script opens coloured with the names of its prelude,
+// runs and compiles with message boxes, the error dialog and the number
+// entry, shows the status of the last run, and saves UTF-8.
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QMessageBox>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextBlock>
+#include <QTextEdit>
+
+#include "edit_window.h"
+#include "gui_test_support.h"
+#include "qel_environment.h"
+#include "qelkern-qt/qtdialogs.h"
+#include "qelkern-qt/qtrichedit.h"
+
+namespace {
+QTextEdit* ViewOf(CQelEditWindow& window) {
+    return dynamic_cast<CQtRichEditWidget*>(window.Editor().GetWidget())->GetTextEdit();
+}
+
+CString TextOf(CQelEditWindow& window) {
+    return window.Editor().GetTextRange(0, static_cast<int>(window.Editor().GetTextLength()));
+}
+
+// Message boxes: caption and text of each, answered with OK.
+struct Boxes {
+    QStringList captions;
+    QStringList texts;
+    std::vector<QMessageBox::Icon> icons;
+
+    void Take(QWidget* window) {
+        auto* box = qobject_cast<QMessageBox*>(window);
+        if (!box) return;
+        captions << box->windowTitle();
+        texts << box->text();
+        icons.push_back(box->icon());
+        box->accept();
+    }
+};
+}  // namespace
+
+class QelEditTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        services = std::make_unique<CQtEditorServices>();
+        pBasisPredefinedUmgebung = &environment;
+    }
+    void cleanupTestCase() {
+        pBasisPredefinedUmgebung = nullptr;
+        services.reset();
+    }
+
+    void opensAScriptColouredWithTheNamesOfItsPrelude() {
+        CQelEditWindow window;
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/hello.qel")));
+        QCOMPARE(window.PreludeDirectory(), ExamplesDirectory());
+        QVERIFY(window.windowTitle().startsWith(u"hello.qel"));
+        QVERIFY(!window.IsModified());
+
+        QFile file(ExamplesDirectory() + QStringLiteral("/hello.qel"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(ViewOf(window)->toPlainText(), QString::fromUtf8(file.readAll()));
+
+        // MeldungInt is declared by the prelude of the examples only.
+        QVERIFY(szConstants.Find(" MeldungInt ") >= 0);
+        const CString text = TextOf(window);
+        QCOMPARE(StyleAt(window.Editor(), text.Find("VAR")).colour, static_cast<COLORREF>(0xFF0000));
+        const CharStyle routine = StyleAt(window.Editor(), text.Find("MeldungInt") + 2);
+        QCOMPARE(routine.colour, static_cast<COLORREF>(0));
+        QVERIFY(routine.bold);
+        QCOMPARE(StyleAt(window.Editor(), 3).colour, static_cast<COLORREF>(0x008000));  // the comment
+
+        QVERIFY(!window.OpenFile(ExamplesDirectory() + QStringLiteral("/gibt-es-nicht.qel")));
+        QVERIFY(window.FilePath().endsWith(u"hello.qel"));
+    }
+
+    void runShowsMessagesAndTheStatusOfTheRun() {
+        CQelEditWindow window;
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/hello.qel")));
+        Boxes boxes;
+        ModalHandler handler([&](QWidget* modal) { boxes.Take(modal); });
+        QCOMPARE(window.RunText(), 1);
+        QCOMPARE(boxes.captions, QStringList{QStringLiteral("Hallo, Welt")});
+        QVERIFY(boxes.texts.first().contains(u"55"));
+        QCOMPARE(window.LastRunText(), QStringLiteral("Ausführen: Ergebnis 1, Erfolgscode 0"));
+
+        window.Editor().SetWindowText("BEGIN SetSuccess(7) END.");
+        QCOMPARE(window.RunText(), 1);
+        QCOMPARE(window.LastRunText(), QStringLiteral("Ausführen: Ergebnis 1, Erfolgscode 7"));
+
+        // A run-time error is a message box; the run fails and the code is reset.
+        window.Editor().SetWindowText("VAR a : ARRAY [2] OF INTEGER; i : INTEGER;\r"
+                                      "BEGIN i := 5; a[i] := 1 END.");
+        QCOMPARE(window.RunText(), 0);
+        QCOMPARE(boxes.texts.size(), 2);
+        QCOMPARE(window.LastRunText(), QStringLiteral("Ausführen: Ergebnis 0, Erfolgscode 0"));
+    }
+
+    void compileErrorOpensTheErrorDialogAtItsLine() {
+        CQelEditWindow window;
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/hello.qel")));
+        window.Editor().SetWindowText("BEGIN\r  MeldungInt(\"a\", \"b\", x)\rEND.");
+        Boxes boxes;
+        QString errorLine;
+        QString markerLine;
+        int caretBlock = -1;
+        int errorBlock = -1;
+        ModalHandler handler([&](QWidget* modal) {
+            auto* dialog = qobject_cast<CQtResourceDialog*>(modal);
+            if (!dialog || qobject_cast<CQtNumberEntryDialog*>(modal)) {
+                boxes.Take(modal);
+                return;
+            }
+            auto* editor = qobject_cast<QTextEdit*>(dialog->Item(IDC_TEXTDIALOG_EDIT));
+            QTextBlock marker = editor->document()->begin();
+            while (marker.isValid() && !marker.text().startsWith(u"<!>")) marker = marker.next();
+            markerLine = marker.text();
+            errorLine = marker.previous().text();
+            errorBlock = marker.previous().blockNumber();
+            caretBlock = editor->textCursor().blockNumber();
+            dialog->accept();
+        });
+        QCOMPARE(window.CompileText(), 0);
+        QCOMPARE(errorLine, QStringLiteral("  MeldungInt(\"a\", \"b\", x)"));
+        QVERIFY(markerLine.startsWith(u"<!>"));
+        QVERIFY(markerLine.size() > 3);
+        QVERIFY(caretBlock == errorBlock || caretBlock == errorBlock + 1);
+        QCOMPARE(boxes.texts, QStringList{QStringLiteral("Fehler im Parser")});
+        QCOMPARE(window.LastRunText(), QStringLiteral("Übersetzen: Ergebnis 0"));
+        // The editor's own text is untouched by the error display.
+        QCOMPARE(TextOf(window), CString("BEGIN\r  MeldungInt(\"a\", \"b\", x)\rEND."));
+    }
+
+    void inputScriptAsksThroughTheNumberEntry() {
+        CQelEditWindow window;
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/input.qel")));
+        QStringList answers = {QStringLiteral("3"), QStringLiteral("250")};
+        QStringList prompts;
+        Boxes boxes;
+        ModalHandler handler([&](QWidget* modal) {
+            if (auto* entry = qobject_cast<CQtNumberEntryDialog*>(modal)) {
+                prompts << entry->Prompt()->text();
+                entry->Field()->setText(answers.takeFirst());
+                QTest::mouseClick(entry->Button(IDOK), Qt::LeftButton);
+                return;
+            }
+            boxes.Take(modal);
+        });
+        QCOMPARE(window.RunText(), 1);
+        QCOMPARE(prompts, (QStringList{QStringLiteral("Wie viele Stück?"),
+                                       QStringLiteral("Preis pro Stück in Cent?")}));
+        QCOMPARE(boxes.captions, QStringList{QStringLiteral("Rechnung")});
+        QVERIFY2(boxes.texts.first().contains(u"7.5") || boxes.texts.first().contains(u"7,5"),
+                 qPrintable(boxes.texts.first()));
+    }
+
+    void savesUtf8AndTracksChanges() {
+        QTemporaryDir temporary;
+        const QString path = temporary.filePath(QStringLiteral("neu.qel"));
+        CQelEditWindow window;
+        window.StartNewFile(path);
+        QVERIFY(!window.IsModified());
+        window.show();
+        QTextEdit* view = ViewOf(window);
+        TypeText(view, QStringLiteral("(* Größe *)\nbegin\nend."));
+        QVERIFY(window.IsModified());
+        QTRY_VERIFY(window.isWindowModified());
+
+        QVERIFY(window.SaveTo(path));
+        QVERIFY(!window.IsModified());
+        QTRY_VERIFY(!window.isWindowModified());
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("(* Gr\xC3\xB6\xC3\x9F" "e *)\nBEGIN\nEND."));
+
+        CQelEditWindow again;
+        QVERIFY(again.OpenFile(path));
+        QCOMPARE(TextOf(again), CString("(* Gr\xF6\xDF" "e *)\rBEGIN\rEND."));
+
+        // A file that cannot be written is reported, and the old one stays the window's.
+        Boxes boxes;
+        ModalHandler handler([&](QWidget* modal) { boxes.Take(modal); });
+        QVERIFY(!window.SaveTo(temporary.filePath(QStringLiteral("fehlt/neu.qel"))));
+        QCOMPARE(boxes.icons, std::vector<QMessageBox::Icon>{QMessageBox::Critical});
+        QCOMPARE(window.FilePath(), path);
+    }
+
+    void preludeFollowsTheScriptUntilOneIsChosen() {
+        QTemporaryDir temporary;
+        QFile prelude(temporary.filePath(QStringLiteral("extern.qel")));
+        QVERIFY(prelude.open(QIODevice::WriteOnly));
+        prelude.write("CONST Eigenes = 1;\n");
+        prelude.close();
+        QFile script(temporary.filePath(QStringLiteral("s.qel")));
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write("BEGIN END.\n");
+        script.close();
+
+        CQelEditWindow window;
+        QVERIFY(window.OpenFile(script.fileName()));
+        QCOMPARE(window.PreludeDirectory(), temporary.path());
+        QVERIFY(szConstants.Find(" Eigenes ") >= 0);
+        QVERIFY(szConstants.Find(" MeldungInt ") < 0);
+
+        window.SetPreludeDirectory(ExamplesDirectory(), true);
+        QVERIFY(szConstants.Find(" MeldungInt ") >= 0);
+        QVERIFY(window.OpenFile(script.fileName()));
+        QCOMPARE(window.PreludeDirectory(), ExamplesDirectory());
+    }
+
+private:
+    std::unique_ptr<CQtEditorServices> services;
+    CQelUmgebung environment;
+};
+
+QTEST_MAIN(QelEditTest)
+#include "qt_qel_edit_test.moc"

@@ -1,0 +1,102 @@
+// Screenshots for a person to look at, written to the build directory:
+// qel-edit with a coloured script, and the error dialog of a compile error.
+// Each is checked for the colours that the editor promises.
+#include <QDialog>
+#include <QDir>
+#include <QImage>
+#include <QTest>
+#include <QTextEdit>
+
+#include "edit_window.h"
+#include "gui_test_support.h"
+#include "qel_environment.h"
+#include "qelkern-qt/qtdialogs.h"
+
+namespace {
+// Pixels close to a colour; glyph edges are blended, stems are not.
+int PixelsNear(const QImage& image, const QColor& colour) {
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            if (qAbs(pixel.red() - colour.red()) < 40 && qAbs(pixel.green() - colour.green()) < 40 &&
+                qAbs(pixel.blue() - colour.blue()) < 40)
+                ++count;
+        }
+    return count;
+}
+
+QString SaveShot(const QImage& image, const QString& name) {
+    QDir().mkpath(QStringLiteral(QEL_SCREENSHOT_DIR));
+    const QString path = QStringLiteral(QEL_SCREENSHOT_DIR "/") + name;
+    return image.save(path) ? path : QString();
+}
+}  // namespace
+
+class ScreenshotsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        services = std::make_unique<CQtEditorServices>();
+        pBasisPredefinedUmgebung = &environment;
+    }
+    void cleanupTestCase() {
+        pBasisPredefinedUmgebung = nullptr;
+        services.reset();
+    }
+
+    void editorWithAColouredScript() {
+        CQelEditWindow window;
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/loops.qel")));
+        window.resize(900, 640);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        {
+            ModalHandler boxes([](QWidget* modal) { qobject_cast<QDialog*>(modal)->accept(); });
+            QCOMPARE(window.RunText(), 1);  // the status bar shows the run
+        }
+        window.Editor().SetSel(0, 0);
+        QCoreApplication::processEvents();
+        const QImage shot = window.grab().toImage();
+        QVERIFY(!SaveShot(shot, QStringLiteral("editor.png")).isEmpty());
+        QVERIFY(PixelsNear(shot, QColor(0, 0, 255)) > 100);   // keywords
+        QVERIFY(PixelsNear(shot, QColor(0, 128, 0)) > 100);   // comments
+        QVERIFY(PixelsNear(shot, QColor(0, 0, 128)) > 50);    // strings
+        QVERIFY(PixelsNear(shot, QColor(255, 0, 255)) > 20);  // numbers
+    }
+
+    void errorDialogOfACompileError() {
+        CQelEditWindow window;
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/hello.qel")));
+        CString text = window.Editor().GetTextRange(0, static_cast<int>(window.Editor().GetTextLength()));
+        text.Replace("summe := summe + i", "summe := summe + j");
+        window.Editor().SetWindowText(text);
+        QImage shot;
+        ModalHandler handler([&](QWidget* modal) {
+            auto* dialog = qobject_cast<CQtResourceDialog*>(modal);
+            if (!dialog) {
+                qobject_cast<QDialog*>(modal)->accept();
+                return;
+            }
+            dialog->setWindowState(Qt::WindowNoState);
+            dialog->resize(860, 520);
+            QTest::qWait(50);
+            qobject_cast<QTextEdit*>(dialog->Item(IDC_TEXTDIALOG_EDIT))->ensureCursorVisible();
+            shot = dialog->grab().toImage();
+            dialog->accept();
+        });
+        QCOMPARE(window.CompileText(), 0);
+        QVERIFY(!shot.isNull());
+        QVERIFY(!SaveShot(shot, QStringLiteral("error-dialog.png")).isEmpty());
+        QVERIFY(PixelsNear(shot, QColor(255, 0, 0)) > 50);  // the marker line
+        QVERIFY(PixelsNear(shot, QColor(0, 0, 255)) > 50);
+    }
+
+private:
+    std::unique_ptr<CQtEditorServices> services;
+    CQelUmgebung environment;
+};
+
+QTEST_MAIN(ScreenshotsTest)
+#include "qt_screenshots_test.moc"
