@@ -48,12 +48,32 @@ struct ScriptEditor {
 class GuardedEdit : public CRichEditCtrl {
 public:
     std::vector<ENPROTECTED> notices;
+    QStringList log;  // the change and selection notices, in order
 
 protected:
     void OnProtected(NMHDR* header, LRESULT* result) override {
         notices.push_back(*reinterpret_cast<ENPROTECTED*>(header));
         *result = 1;
     }
+    void OnChange() override { log << QStringLiteral("change"); }
+    void OnSelChange(NMHDR* header, LRESULT* result) override {
+        const auto* info = reinterpret_cast<SELCHANGE*>(header);
+        log << QStringLiteral("sel %1-%2").arg(info->chrg.cpMin).arg(info->chrg.cpMax);
+        *result = 0;
+    }
+};
+
+// The text that the editor hands to the printer, and the margins.
+class PrintRecorder : public CQtUserInterface {
+public:
+    bool PrintText(const CString& title, const CString& text, int left, int top, int right,
+                   int bottom) override {
+        printed = text;
+        margins = {left, top, right, bottom};
+        return true;
+    }
+    CString printed;
+    std::vector<int> margins;
 };
 }  // namespace
 
@@ -301,6 +321,49 @@ private slots:
         control.SetSel(1, 4);
         QVERIFY(!control.SetSelectionCharFormat(guard));
         QCOMPARE(control.notices.back().msg, static_cast<UINT>(EM_SETCHARFORMAT));
+    }
+
+    void changeAndSelectionNoticesComeInOrder() {
+        GuardedEdit control;
+        QVERIFY(control.Create());
+        control.SetEventMask(ENM_CHANGE | ENM_SELCHANGE);
+        control.SetWindowText("abc");
+        QCOMPARE(control.log, (QStringList{QStringLiteral("change"), QStringLiteral("sel 0-0")}));
+        QTextEdit* view = dynamic_cast<CQtRichEditWidget*>(control.GetWidget())->GetTextEdit();
+        control.log.clear();
+        QTest::keyClicks(view, QStringLiteral("x"));
+        QTest::keyClick(view, Qt::Key_Right, Qt::ShiftModifier);
+        control.SetSel(1, 2);  // the same selection: no notice
+        control.SetSel(3, 3);
+        QCOMPARE(control.log, (QStringList{QStringLiteral("change"), QStringLiteral("sel 1-1"),
+                                           QStringLiteral("sel 1-2"), QStringLiteral("sel 3-3")}));
+        // Formats change no text.
+        control.log.clear();
+        CHARFORMAT bold;
+        bold.dwMask = CFM_BOLD;
+        bold.dwEffects = CFE_BOLD;
+        control.SetSel(0, 4);
+        control.SetSelectionCharFormat(bold);
+        QCOMPARE(control.log, QStringList{QStringLiteral("sel 0-4")});
+    }
+
+    void printingGoesThroughTheHiddenView() {
+        PrintRecorder printer;
+        pUserInterface = &printer;
+        ScriptEditor e;
+        e.edit.SetWindowText("BEGIN\r  x := 1\rEND.");
+        e.edit.SetSel(2, 3);
+        e.edit.Drucken();
+        pUserInterface = &ui;
+        QCOMPARE(printer.printed, CString("BEGIN\r\n  x := 1\r\nEND."));
+        QCOMPARE(printer.margins, (std::vector<int>{1000, 1000, 1000, 1000}));
+        long start = 0, end = 0;
+        e.edit.GetSel(start, end);
+        QCOMPARE(start, 2L);
+        QCOMPARE(end, 3L);
+        // The hidden view never shows a window of its own.
+        for (QWidget* window : QApplication::topLevelWidgets())
+            QVERIFY(!window->isVisible() || window == &e.window);
     }
 
     void editCommandsUseTheSystemClipboard() {
