@@ -94,7 +94,18 @@ private:
 
 // --- from Qt to the message map ----------------------------------------------------
 
+// Read-only text has no use for Return and Escape: they go to the dialog,
+// whose default button and cancel they are.
+bool CQtRichEditWidget::PassesToWindow(const QKeyEvent* event) const {
+    const int key = event->key();
+    return state->readOnly && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape);
+}
+
 void CQtRichEditWidget::KeyPressed(QKeyEvent* event) {
+    if (PassesToWindow(event)) {
+        event->ignore();
+        return;
+    }
     KeyScope scope(*state, event);
     event->accept();
     SendToOwner(WM_KEYDOWN, VirtualKeyOf(*event), keyDownFlags);
@@ -108,6 +119,10 @@ void CQtRichEditWidget::KeyPressed(QKeyEvent* event) {
 }
 
 void CQtRichEditWidget::KeyReleased(QKeyEvent* event) {
+    if (PassesToWindow(event)) {
+        event->ignore();
+        return;
+    }
     event->accept();
     if (event->isAutoRepeat()) return;
     KeyScope scope(*state, event);

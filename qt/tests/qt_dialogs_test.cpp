@@ -108,6 +108,22 @@ private slots:
         }
     }
 
+    void errorDialogClosesFromTheKeyboard() {
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+            ModalHandler handler([key](QWidget* window) {
+                QTextEdit* editor = EditorOf(window);
+                QVERIFY(editor);
+                QTest::keyClick(editor, Qt::Key_Down);  // the caret moves in read-only text
+                QTest::keyClick(editor, key);
+                if (window->isVisible()) qobject_cast<QDialog*>(window)->done(99);
+            });
+            CQtTextDialog dialog("Fehler Parser");
+            dialog.text = markedText;
+            QCOMPARE(dialog.DoModal(), key == Qt::Key_Return ? static_cast<int>(IDOK) : static_cast<int>(IDCANCEL));
+            QCOMPARE(dialog.text, CString(markedText));
+        }
+    }
+
     void lineBeyondTheTextPutsTheCaretOnTheLastLine() {
         CQtTextDialog dialog("Fehler");
         dialog.text = "eins\r\nzwei\r\ndrei";

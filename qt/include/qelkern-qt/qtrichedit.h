@@ -94,6 +94,7 @@ private:
     void NotifySelection(bool always);
     void DeleteByKey(UINT key, bool wholeWord);
     bool HandleShortcut(QKeyEvent* event);
+    bool PassesToWindow(const QKeyEvent* event) const;
     void MoveCaret(UINT key, bool extend);
     void ApplyDefaultFormat();
     void ClearColour(int start, int end);
