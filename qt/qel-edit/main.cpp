@@ -3,22 +3,37 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <cstdio>
+#include <cstring>
 
 #include "edit_window.h"
 #include "qel_environment.h"
 #include "qelkern-qt/qtuserinterface.h"
 
+namespace {
+const char usage[] =
+    "Usage: qel-edit [FILE]\n"
+    "Edits a QEL script with syntax colouring; compiles (F7) and runs (F5) it\n"
+    "with the prelude extern.qel from the script's directory.\n";
+
+// Asked before the application starts, so that it works without a display.
+bool AsksForHelp(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i)
+        if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) return true;
+    return false;
+}
+}  // namespace
+
 int main(int argc, char** argv) {
+    if (AsksForHelp(argc, argv)) {
+        std::fputs(usage, stdout);
+        return 0;
+    }
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("qel-edit"));
     const QStringList arguments = QApplication::arguments().mid(1);
-    if (arguments.size() > 1 || arguments.contains(QStringLiteral("--help")) ||
-        arguments.contains(QStringLiteral("-h"))) {
-        std::fputs("Usage: qel-edit [FILE]\n"
-                   "Edits a QEL script with syntax colouring; compiles (F7) and runs (F5) it\n"
-                   "with the prelude extern.qel from the script's directory.\n",
-                   arguments.size() > 1 ? stderr : stdout);
-        return arguments.size() > 1 ? 2 : 0;
+    if (arguments.size() > 1) {
+        std::fputs(usage, stderr);
+        return 2;
     }
 
     CQtEditorServices services;
