@@ -7,61 +7,38 @@
 
 namespace {
 
-struct Parsed {
+struct Case {
+    std::string text;
     double value;
-    long used;
+    long used;  // characters taken
 };
 
-Parsed Text(const char* text) {
+void Check(double (*parse)(const char*, char**), const Case& c) {
     char* end = nullptr;
-    double value = zahlAusText(text, &end);
-    return {value, static_cast<long>(end - text)};
+    double value = parse(c.text.c_str(), &end);
+    EXPECT_DOUBLE_EQ(value, c.value) << c.text;
+    EXPECT_EQ(end - c.text.c_str(), c.used) << c.text;
 }
 
-Parsed Term(const char* text) {
-    char* end = nullptr;
-    double value = zahlAusTerm(text, &end);
-    return {value, static_cast<long>(end - text)};
-}
+const double inf = INFINITY;
 
 }  // namespace
 
 TEST(Numbers, ScriptNumbers) {
-    EXPECT_DOUBLE_EQ(Text("1.5").value, 1.5);
-    EXPECT_EQ(Text("1.5").used, 3);
-    EXPECT_EQ(Text("1.2.3").used, 3) << "the second point is not used";
-    EXPECT_DOUBLE_EQ(Text("12.").value, 12.0);
-    EXPECT_EQ(Text("12.").used, 3);
-    EXPECT_DOUBLE_EQ(Text(".25").value, 0.25);
-    EXPECT_EQ(Text("1,5").used, 1) << "no comma in script text";
-    EXPECT_EQ(Text(".").used, 0);
-    EXPECT_DOUBLE_EQ(Text("0.1").value, 0.1);
-    std::string huge(400, '9');
-    huge += ".0";
-    EXPECT_TRUE(std::isinf(Text(huge.c_str()).value));
+    const Case cases[] = {
+        {"1.5", 1.5, 3}, {"1.2.3", 1.2, 3}, {"12.", 12.0, 3},  {".25", 0.25, 3},
+        {"0.1", 0.1, 3}, {"1,5", 1.0, 1},   {".", 0.0, 0},     {std::string(400, '9') + ".0", inf, 402},
+    };
+    for (const Case& c : cases) Check(zahlAusText, c);
     EXPECT_EQ(zahlAusText(nullptr, nullptr), 0.0);
 }
 
 TEST(Numbers, TermsOfText) {
-    Parsed term = Term("  -3,5e2x");
-    EXPECT_DOUBLE_EQ(term.value, -350.0);
-    EXPECT_EQ(term.used, 8);
-    EXPECT_DOUBLE_EQ(Term("10").value, 10.0);
-    EXPECT_DOUBLE_EQ(Term("1.5").value, 1.5);
-    EXPECT_DOUBLE_EQ(Term("+.5").value, 0.5);
-    EXPECT_DOUBLE_EQ(Term("\t7").value, 7.0);
-    Parsed noExponent = Term("2e+");
-    EXPECT_DOUBLE_EQ(noExponent.value, 2.0);
-    EXPECT_EQ(noExponent.used, 1);
-    Parsed none = Term("abc");
-    EXPECT_EQ(none.value, 0.0);
-    EXPECT_EQ(none.used, 0);
-    EXPECT_EQ(Term("-").used, 0);
-    EXPECT_EQ(Term(" ,").value, 0.0);
-    EXPECT_EQ(Term("inf").value, 0.0) << "only decimal numbers are terms";
-    EXPECT_TRUE(std::isinf(Term("1e999").value));
-    EXPECT_EQ(Term("1e-999").value, 0.0);
-    EXPECT_TRUE(std::isinf(Term("-1e99999999999999999999").value));
-    EXPECT_EQ(Term("0e99999").value, 0.0);
-    EXPECT_DOUBLE_EQ(Term("0.000001e6").value, 1.0);
+    const Case cases[] = {
+        {"  -3,5e2x", -350.0, 8}, {"10", 10.0, 2},       {"1.5", 1.5, 3},         {"+.5", 0.5, 3},
+        {"\t7", 7.0, 2},          {"2e+", 2.0, 1},       {"abc", 0.0, 0},         {"-", 0.0, 0},
+        {" ,", 0.0, 0},           {"inf", 0.0, 0},       {"1e999", inf, 5},       {"1e-999", 0.0, 6},
+        {"0e99999", 0.0, 7},      {"0.000001e6", 1.0, 10}, {"-1e99999999999999999999", -inf, 23},
+    };
+    for (const Case& c : cases) Check(zahlAusTerm, c);
 }

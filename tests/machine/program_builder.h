@@ -1,37 +1,43 @@
-// Builds machine programs directly, without the compiler.
+// Builds machine programs directly, without the compiler. The calls chain, so
+// that one line holds a few instructions; the user interface is recorded.
 #pragma once
 
-#include <string>
+#include <vector>
 
 #include "qelkern/machine.h"
+#include "support/test_support.h"
+
+using Texts = std::vector<CString>;
+
+inline VALUE Int(int number) { VALUE v; v = number; return v; }
+inline VALUE Double(double number) { VALUE v; v = number; return v; }
+inline VALUE Text(const CString& text) { VALUE v; v.SetString(text); return v; }
 
 struct ProgramBuilder {
+    ScopedRecordingUi ui;
     CInterpreter machine;
     CGenerator gen{&machine};
 
-    static VALUE Int(int number) {
-        VALUE v;
-        v = number;
-        return v;
+    ProgramBuilder& Ins(int f, int l, intptr_t a, const char* comment = "") {
+        gen.Gen(f, l, a, comment);
+        return *this;
     }
-    static VALUE Double(double number) {
-        VALUE v;
-        v = number;
-        return v;
+    ProgramBuilder& Lit(const VALUE& v, const char* comment = "") {
+        gen.Gen(LIT, 0, v, comment);
+        return *this;
     }
-    static VALUE Text(const char* text) {
-        VALUE v;
-        v.SetString(text);
-        return v;
-    }
+    ProgramBuilder& Lit(int number) { return Lit(Int(number)); }
+    ProgramBuilder& Op(Operation o, const char* comment = "") { return Ins(OPR, 0, o, comment); }
+    ProgramBuilder& Write(const char* label = "") { return Op(oprWrite, label); }
+    // Main block frame with `variables` cells from offset 3.
+    ProgramBuilder& Begin(int variables) { return Ins(INT, 0, 3 + variables, "main"); }
 
-    void Lit(const VALUE& v, const char* comment = "") { gen.Gen(LIT, 0, v, comment); }
-    void LitInt(int number) { Lit(Int(number)); }
-    void Op(Operation operation, const char* comment = "") { gen.Gen(OPR, 0, operation, comment); }
-    void Ins(Opcode f, int l, intptr_t a, const char* comment = "") { gen.Gen(f, l, a, comment); }
-
-    // Main block frame with `variables` cells from offset 3, ended by Finish().
-    void Begin(int variables) { Ins(INT, 0, 3 + variables, "main"); }
-    void Finish() { Op(oprRet); }
-    void Run() { machine.Interpret(); }
+    // Runs the code as it is; gives the texts of the message boxes.
+    Texts Run() {
+        machine.Interpret();
+        return ui.ui.Messages();
+    }
+    // Ends the main block with its RET first.
+    Texts RunMain() { return Op(oprRet).Run(); }
+    const VALUE& Cell(int index) const { return machine.stack[index]; }
 };
