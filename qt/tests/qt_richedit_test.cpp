@@ -4,8 +4,10 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QLineEdit>
 #include <QScrollBar>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -74,6 +76,17 @@ public:
     }
     CString printed;
     std::vector<int> margins;
+};
+
+// Answers the file dialogs with one path.
+class FileChooser : public CQtUserInterface {
+public:
+    explicit FileChooser(const QString& file) : path(file.toLocal8Bit().toStdString()) {}
+    bool FileDialog(bool, const CString&, const CString&, unsigned, CString& chosen) override {
+        chosen = path;
+        return true;
+    }
+    CString path;
 };
 }  // namespace
 
@@ -425,6 +438,28 @@ private slots:
         e.edit.SetWindowText(script);
         QVERIFY2(timer.elapsed() < 8000, qPrintable(QString::number(timer.elapsed())));
         QCOMPARE(StyleAt(e.edit, script.GetLength() - 5).colour, commentGreen);
+    }
+
+    void saveAndLoadGoThroughTheHiddenView() {
+        QTemporaryDir temporary;
+        FileChooser chooser(temporary.filePath(QStringLiteral("datei.qel")));
+        pUserInterface = &chooser;
+        CQtClipboard clipboard;
+        SetClipboard(&clipboard);
+        ScriptEditor e;
+        e.edit.SetWindowText("(* Gr\xFC\xDF" "e *)\rbegin\rEND.");
+        e.edit.Speichern();
+        QFile file(temporary.filePath(QStringLiteral("datei.qel")));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("(* Gr\xC3\xBC\xC3\x9F" "e *)\nBEGIN\nEND."));
+
+        e.edit.SetWindowText("x := ");
+        e.edit.SetSel(5, 5);
+        e.edit.Laden();
+        pUserInterface = &ui;
+        SetClipboard(nullptr);
+        QCOMPARE(e.Text(), CString("x := (* Gr\xFC\xDF" "e *)\rBEGIN\rEND."));
+        QCOMPARE(StyleAt(e.edit, e.Find("BEGIN")).colour, keywordBlue);
     }
 
     void aQtWidgetDeletedByItsWindowLeavesTheControlHarmless() {
