@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 
 #include <cstdio>
+#include <sstream>
 
 #include "support/test_support.h"
 
@@ -26,13 +27,8 @@ std::string ScratchDir() {
 
 std::vector<std::string> CommandResult::OutLines() const {
     std::vector<std::string> lines;
-    size_t start = 0;
-    while (start < out.size()) {
-        size_t end = out.find('\n', start);
-        if (end == std::string::npos) end = out.size();
-        lines.push_back(out.substr(start, end - start));
-        start = end + 1;
-    }
+    std::istringstream stream(out);
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
     return lines;
 }
 
@@ -68,3 +64,18 @@ CommandResult RunQel(const std::vector<std::string>& args, const std::string& in
 std::string Utf8(const char* latin1) { return Latin1ToUtf8(latin1); }
 
 std::string ExamplesDir() { return std::string(QEL_SOURCE_DIR) + "/examples/"; }
+
+std::string MessageLine(const char* caption, const char* text, const char* icon) {
+    return R"({"event":"message","icon":")" + std::string(icon) + R"(","caption":")" +
+           Utf8(caption) + R"(","text":")" + Utf8(text) + R"("})";
+}
+
+std::string NumberEntryLine(const char* mode, const char* prompt, const char* answer) {
+    return R"({"event":"number-entry","mode":")" + std::string(mode) + R"(","prompt":")" +
+           Utf8(prompt) + R"(","answer":)" + answer + "}";
+}
+
+std::string ResultLine(int result, int success) {
+    return R"({"event":"result","result":)" + std::to_string(result) + R"(,"success":)" +
+           std::to_string(success) + "}";
+}

@@ -1,4 +1,5 @@
-// Runs a program of the build as a child process and collects what it did.
+// Runs a program of the build as a child process and collects what it did,
+// and the JSON lines that `qel --ui json` writes.
 #pragma once
 
 #include <string>
@@ -23,3 +24,9 @@ CommandResult RunQel(const std::vector<std::string>& args, const std::string& in
 std::string Utf8(const char* latin1);
 
 std::string ExamplesDir();  // with its closing '/'
+
+// JSON lines; texts are given in Latin-1, as the tests' literals are, and
+// hold no character that JSON escapes.
+std::string MessageLine(const char* caption, const char* text, const char* icon = "error");
+std::string NumberEntryLine(const char* mode, const char* prompt, const char* answer);
+std::string ResultLine(int result, int success);

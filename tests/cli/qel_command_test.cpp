@@ -1,11 +1,8 @@
 // The qel command: options, exit status and the JSON user interface.
-#include <filesystem>
-
 #include <gtest/gtest.h>
 
 #include "support/test_support.h"
 #include "tests/cli/command.h"
-#include "tests/cli/json_lines.h"
 
 using Lines = std::vector<std::string>;
 
@@ -20,24 +17,24 @@ std::string EmptyDir() {
     return dir;
 }
 
+// Runs `text` with the JSON interface; the examples' prelude declares the built-ins.
+CommandResult Json(const std::string& text, const std::string& prelude = ExamplesDir(),
+                   const std::string& input = "") {
+    return RunQel({"--ui", "json", "--prelude-dir", prelude, "-e", text}, input);
+}
+
 }  // namespace
 
-TEST(QelCommand, HelpGoesToStandardOutput) {
+TEST(QelCommand, HelpAndUsageErrors) {
     for (const char* option : {"--help", "-h"}) {
         const CommandResult help = RunQel({option});
         EXPECT_EQ(help.exitCode, 0) << option;
-        EXPECT_TRUE(Contains(help.out, "Usage: qel")) << help.out;
-        EXPECT_TRUE(Contains(help.out, "--prelude-dir"));
+        EXPECT_TRUE(Contains(help.out, "Usage: qel") && Contains(help.out, "--prelude-dir"));
         EXPECT_EQ(help.err, "");
     }
-}
-
-TEST(QelCommand, UsageErrorsExitWithTwoAndSaySo) {
+    // Usage errors exit with 2 and say what is wrong, on standard error only.
     const std::string dir = MakeTempDir("cli-usage");
-    struct Case {
-        std::vector<std::string> args;
-        const char* says;
-    } cases[] = {
+    const std::pair<Lines, const char*> cases[] = {
         {{}, "no script"},
         {{"--bogus", dir + "x.qel"}, "unknown option --bogus"},
         {{dir + "fehlt.qel"}, "fehlt.qel"},
@@ -48,58 +45,55 @@ TEST(QelCommand, UsageErrorsExitWithTwoAndSaySo) {
         {{"--quiet=ja", "-e", "BEGIN END."}, "--quiet"},
         {{"--ui", "json", dir + "fehlt.qel"}, "cannot read"},
     };
-    for (const Case& c : cases) {
-        const CommandResult run = RunQel(c.args);
-        EXPECT_EQ(run.exitCode, 2) << c.says;
-        EXPECT_TRUE(Contains(run.err, c.says)) << run.err;
-        EXPECT_EQ(run.out, "") << c.says;
+    for (const auto& [args, says] : cases) {
+        const CommandResult run = RunQel(args);
+        EXPECT_EQ(run.exitCode, 2) << says;
+        EXPECT_TRUE(Contains(run.err, says)) << run.err;
+        EXPECT_EQ(run.out, "") << says;
     }
 }
 
-TEST(QelCommand, JsonWritesMessagesThenTheResult) {
-    const CommandResult run =
-        RunQel({"--ui", "json", "--prelude-dir", ExamplesDir(), "-e",
-                "BEGIN MeldungInt(\"Titel\", \"Wert\", 7); SetSuccess(5); "
-                "ErrorMsg(\"a\\\"b\", \"c\\\\d\nzwei\\tTab\") END."});
+TEST(QelCommand, JsonWritesMessagesInUtf8ThenTheResult) {
+    const CommandResult run = Json(Utf8("BEGIN MeldungInt(\"Grüße\", \"Wert\", 7); SetSuccess(5); "
+                                        "ErrorMsg(\"a\\\"b\", \"c\\\\d\nzwei\\tTab\") END."));
     EXPECT_EQ(run.exitCode, 0) << run.err;
-    const Lines expected = {
-        MessageLine("Titel", "Wert 7"),
-        R"({"event":"message","icon":"error","caption":"a\"b","text":"c\\d\nzweitTab"})",
-        ResultLine(1, 5),
-    };
-    EXPECT_EQ(run.OutLines(), expected);
+    EXPECT_EQ(run.OutLines(),
+              (Lines{MessageLine("Grüße", "Wert 7"),
+                     R"({"event":"message","icon":"error","caption":"a\"b","text":"c\\d\nzweitTab"})",
+                     ResultLine(1, 5)}));
+    // The console is the default interface.
+    const CommandResult console = RunQel({"--prelude-dir", ExamplesDir(), "-e",
+                                          Utf8("BEGIN ErrorMsg(\"Titel\", \"Grüße\") END.")});
+    EXPECT_EQ(console.exitCode, 0) << console.err;
+    EXPECT_EQ(console.out, Utf8("== Fehler == Titel\nGrüße\n\n"));
 }
 
-TEST(QelCommand, JsonShowsACompileErrorInTheTextDialog) {
-    const CommandResult run =
-        RunQel({"--ui", "json", "--prelude-dir", EmptyDir(), "-e", "BEGIN\n  x := 1\nEND."});
+TEST(QelCommand, CompileAndRunTimeErrorsExitWithOne) {
+    const CommandResult compile = Json("BEGIN\n  x := 1\nEND.", EmptyDir());
+    EXPECT_EQ(compile.exitCode, 1);
+    EXPECT_EQ(compile.OutLines(),
+              (Lines{R"({"event":"text-dialog","title":"Fehler Parser","text":"BEGIN\n  x := 1\n)"
+                     R"(<!>!Dieser Bezeichner ist nicht vereinbart.\r\nEND.","line":1,"column":46})",
+                     MessageLine("", "Fehler im Parser"), ResultLine(0, 0)}));
+    const CommandResult run = Json("VAR a : INTEGER; BEGIN a := 0; a := 1 / a END.", EmptyDir());
     EXPECT_EQ(run.exitCode, 1);
-    const Lines lines = run.OutLines();
-    ASSERT_EQ(lines.size(), 3u) << run.out;
-    EXPECT_EQ(lines[0],
-              R"({"event":"text-dialog","title":"Fehler Parser","text":"BEGIN\n  x := 1\n)"
-              R"(<!>!Dieser Bezeichner ist nicht vereinbart.\r\nEND.","line":1,"column":46})");
-    EXPECT_TRUE(Contains(lines[1], R"("event":"message","icon":"error")")) << lines[1];
-    EXPECT_TRUE(Contains(lines[1], R"("text":"Fehler im Parser"})")) << lines[1];
-    EXPECT_EQ(lines[2], ResultLine(0, 0));
+    EXPECT_EQ(run.OutLines(), (Lines{MessageLine("", "Division durch Null"), ResultLine(0, 0)}));
 }
 
-TEST(QelCommand, QuietHidesCompileErrorsAndCompileOnlyDoesNotRun) {
-    const CommandResult quiet =
-        RunQel({"--quiet", "--ui", "json", "--prelude-dir", EmptyDir(), "-e", "BEGIN x := 1 END."});
-    EXPECT_EQ(quiet.exitCode, 1);
-    EXPECT_EQ(quiet.OutLines(), Lines{ResultLine(0, 0)});
-
-    const std::string script = MakeTempDir("cli-compile-only") + "meldung.qel";
-    WriteFileBytes(script, "BEGIN MeldungInt(\"nie\", \"gezeigt\", 1) END.\n");
-    for (const std::vector<std::string>& args :
-         {std::vector<std::string>{"--compile-only", "--ui", "json", "--prelude-dir", ExamplesDir(),
-                                   script},
-          std::vector<std::string>{"--compile-only", "--ui", "json", "--prelude-dir", ExamplesDir(),
-                                   "-e", "BEGIN MeldungInt(\"nie\", \"gezeigt\", 1) END."}}) {
+TEST(QelCommand, CompileOnlyDoesNotRunAndWritesTheListing) {
+    // From a file and from -e: the message box never comes.
+    const std::string dir = MakeTempDir("cli-compile-only");
+    const char* text = "BEGIN MeldungInt(\"nie\", \"gezeigt\", 1) END.\n";
+    WriteFileBytes(dir + "meldung.qel", text);
+    for (const Lines& source : {Lines{dir + "meldung.qel"}, Lines{"-e", text}}) {
+        Lines args = {"--compile-only", "--listing", dir + "code.asm", "--ui", "json",
+                      "--prelude-dir", ExamplesDir()};
+        args.insert(args.end(), source.begin(), source.end());
         const CommandResult run = RunQel(args);
         EXPECT_EQ(run.exitCode, 0) << run.err;
         EXPECT_EQ(run.OutLines(), Lines{ResultLine(1, 0)});
+        EXPECT_TRUE(Contains(ReadFileBytes(dir + "code.asm"), "EXTCALL, \"MeldungInt\""));
+        WriteFileBytes(dir + "code.asm", "");
     }
 }
 
@@ -108,92 +102,37 @@ TEST(QelCommand, NumberEntryAnswersComeFromStandardInput) {
         "EXTERN FUNCTION EingabeInt(prompt : STRING) : INTEGER;\n"
         "EXTERN FUNCTION EingabeDouble(prompt : STRING) : DOUBLE;\n"
         "VAR n : INTEGER; d : DOUBLE;\n"
-        "BEGIN\n"
-        "  n := EingabeInt(\"Anzahl?\");\n"
-        "  d := EingabeDouble(\"Preis?\");\n"
-        "  MeldungDouble(\"Summe\", \"n+d\", n + d);\n"
-        "  n := EingabeInt(\"\");\n"
-        "  SetSuccess(n + 100)\n"
+        "BEGIN n := EingabeInt(\"Anzahl?\"); d := EingabeDouble(\"Preis?\");\n"
+        "  MeldungDouble(\"Summe\", \"n+d\", n + d); n := EingabeInt(\"\"); SetSuccess(n + 100)\n"
         "END.";
     // "abc" and "2.5" are no whole numbers and are passed over; then input ends.
-    const CommandResult run = RunQel(
-        {"--ui", "json", "--prelude-dir", ExamplesDir(), "-e", script}, "abc\n 7 \n2.5\n-3\r\n");
+    const CommandResult run = Json(script, ExamplesDir(), "abc\n 7 \n2.5\n-3\r\n");
     EXPECT_EQ(run.exitCode, 0) << run.err;
-    const Lines expected = {
-        NumberEntryLine("integer", "Anzahl?", "7"),
-        NumberEntryLine("double", "Preis?", "-3"),
-        MessageLine("Summe", "n+d 4.000000"),
-        NumberEntryLine("integer", "Wert=", "null"),
-        ResultLine(1, 100),
-    };
-    EXPECT_EQ(run.OutLines(), expected);
-}
-
-TEST(QelCommand, TextIsUtf8OutsideTheEngine) {
-    const CommandResult run = RunQel({"--ui", "json", "--prelude-dir", ExamplesDir(), "-e",
-                                      Utf8("BEGIN ErrorMsg(\"Grüße\", \"Übung, Maß\") END.")});
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_EQ(run.OutLines(), (Lines{MessageLine("Grüße", "Übung, Maß"), ResultLine(1, 0)}));
-
-    // A file name is passed on as it is, not converted.
-    const std::string dir = MakeTempDir("cli-utf8");
-    const std::string script = dir + Utf8("Übung.qel");
-    WriteFileBytes(dir + "extern.qel", "EXTERN PROCEDURE ErrorMsg(caption, text : STRING);\n");
-    WriteFileBytes(script, Utf8("BEGIN ErrorMsg(\"Größe\", \"ß\") END.\n"));
-    const CommandResult file = RunQel({"--ui", "json", script});
-    EXPECT_EQ(file.exitCode, 0) << file.err;
-    EXPECT_EQ(file.OutLines(), (Lines{MessageLine("Größe", "ß"), ResultLine(1, 0)}));
+    EXPECT_EQ(run.OutLines(), (Lines{NumberEntryLine("integer", "Anzahl?", "7"),
+                                     NumberEntryLine("double", "Preis?", "-3"),
+                                     MessageLine("Summe", "n+d 4.000000"),
+                                     NumberEntryLine("integer", "Wert=", "null"), ResultLine(1, 100)}));
 }
 
 TEST(QelCommand, PreludeComesFromTheScriptsDirectoryOrTheOneGiven) {
     const std::string withPrelude = MakeTempDir("cli-prelude");
     const std::string without = MakeTempDir("cli-no-prelude");
-    WriteFileBytes(withPrelude + "extern.qel",
-                   "EXTERN PROCEDURE ErrorMsg(caption, text : STRING);\n");
-    const char* body = "BEGIN ErrorMsg(\"aus\", \"Vorspann\") END.\n";
-    WriteFileBytes(withPrelude + "s.qel", body);
-    WriteFileBytes(without + "s.qel", body);
-    const Lines shown = {MessageLine("aus", "Vorspann"), ResultLine(1, 0)};
+    // A file name is passed on as it is, not converted from UTF-8.
+    const std::string name = Utf8("Übung.qel");
+    WriteFileBytes(withPrelude + "extern.qel", "EXTERN PROCEDURE ErrorMsg(caption, text : STRING);\n");
+    const std::string body = Utf8("BEGIN ErrorMsg(\"aus\", \"Vorspann ß\") END.\n");
+    WriteFileBytes(withPrelude + name, body);
+    WriteFileBytes(without + name, body);
+    const Lines shown = {MessageLine("aus", "Vorspann ß"), ResultLine(1, 0)};
 
-    EXPECT_EQ(RunQel({"--ui", "json", withPrelude + "s.qel"}, "", without).OutLines(), shown);
-    EXPECT_EQ(RunQel({"--ui", "json", "s.qel"}, "", withPrelude).OutLines(), shown);
+    EXPECT_EQ(RunQel({"--ui", "json", withPrelude + name}, "", without).OutLines(), shown);
+    EXPECT_EQ(RunQel({"--ui", "json", name}, "", withPrelude).OutLines(), shown);
     EXPECT_EQ(RunQel({"--ui", "json", "-e", body}, "", withPrelude).OutLines(), shown);
-    std::string dirWithoutSlash = withPrelude;
-    dirWithoutSlash.pop_back();
-    EXPECT_EQ(RunQel({"--ui", "json", "--prelude-dir", dirWithoutSlash, without + "s.qel"})
-                  .OutLines(),
+    const std::string dirWithoutSlash = withPrelude.substr(0, withPrelude.size() - 1);
+    EXPECT_EQ(RunQel({"--ui", "json", "--prelude-dir", dirWithoutSlash, without + name}).OutLines(),
               shown);
-
-    const CommandResult missing = RunQel({"--quiet", "--ui", "json", without + "s.qel"}, "", withPrelude);
+    // Without it ErrorMsg is unknown; --quiet hides the compile error.
+    const CommandResult missing = RunQel({"--quiet", "--ui", "json", without + name}, "", withPrelude);
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_EQ(missing.OutLines(), Lines{ResultLine(0, 0)});
-}
-
-TEST(QelCommand, ListingFileReceivesTheCode) {
-    const std::string listing = MakeTempDir("cli-listing") + "code.asm";
-    const CommandResult run = RunQel({"--compile-only", "--listing", listing, "--prelude-dir",
-                                      EmptyDir(), "-e", "VAR i : INTEGER; BEGIN i := 1 END."});
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    const std::string code = ReadFileBytes(listing);
-    EXPECT_TRUE(Contains(code, "INT 0, 4, \"main\"")) << code;
-    EXPECT_TRUE(Contains(code, "STO")) << code;
-}
-
-TEST(QelCommand, RunTimeErrorExitsWithOne) {
-    const CommandResult run = RunQel({"--ui", "json", "--prelude-dir", EmptyDir(), "-e",
-                                      "VAR a : INTEGER; BEGIN a := 0; a := 1 / a END."});
-    EXPECT_EQ(run.exitCode, 1);
-    const Lines lines = run.OutLines();
-    ASSERT_EQ(lines.size(), 2u) << run.out;
-    EXPECT_TRUE(Contains(lines[0], "Division durch Null")) << lines[0];
-    EXPECT_EQ(lines[1], ResultLine(0, 0));
-}
-
-TEST(QelCommand, ConsoleIsTheDefaultInterface) {
-    const CommandResult run = RunQel({"--prelude-dir", ExamplesDir(), "-e",
-                                      Utf8("BEGIN ErrorMsg(\"Titel\", \"Grüße\") END.")});
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_TRUE(Contains(run.out, "Titel")) << run.out;
-    EXPECT_TRUE(Contains(run.out, Utf8("Grüße"))) << run.out;
-    EXPECT_FALSE(Contains(run.out, "\"event\""));
 }

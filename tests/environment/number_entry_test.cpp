@@ -1,82 +1,62 @@
 // The number entry dialog, run through the user interface service.
+#include <optional>
+
 #include <gtest/gtest.h>
 
 #include "support/test_support.h"
 
 namespace {
 
-// Records the value the input field opens with, and answers with a fixed one.
-class OpeningValueUi : public CUserInterface {
-public:
-    bool EnterNumber(const CString&, bool, int& value) override {
+// Records what the input field is opened with, and gives a fixed answer.
+struct AnsweringUi : CUserInterface {
+    bool EnterNumber(const CString& shown, bool integer, int& value) override {
+        prompt = shown;
+        integerMode = integer;
         openedWith = value;
-        value = 99;
-        return true;
+        if (answer) value = *answer;
+        return answer.has_value();
     }
+    std::optional<int> answer;
+    CString prompt;
+    bool integerMode = false;
     int openedWith = -1;
 };
 
 }  // namespace
 
-TEST(ZahlenEingabe, IntegerModeTakesTheAnswer) {
-    ScopedRecordingUi recording;
-    recording.ui.numberAnswers = {17};
-    CZahlenEingabe dialog(1);
-    EXPECT_EQ(dialog.prompt, "Wert=");
-    EXPECT_EQ(dialog.integerEntry, 0);
-    EXPECT_EQ(dialog.doubleEntry, 0);
-
-    EXPECT_EQ(dialog.DoModal(), IDOK);
-    EXPECT_EQ(dialog.integerEntry, 17);
-    EXPECT_EQ(dialog.doubleEntry, 0);
-    ASSERT_EQ(recording.ui.events.size(), 1u);
-    EXPECT_EQ(recording.ui.events[0].kind, UiEvent::NumberEntry);
-    EXPECT_EQ(recording.ui.events[0].text, "Wert=");
-    EXPECT_TRUE(recording.ui.events[0].integerMode);
-}
-
-TEST(ZahlenEingabe, OtherModeTakesAWholeNumberIntoDoubleEntry) {
-    ScopedRecordingUi recording;
-    recording.ui.numberAnswers = {-4};
-    CZahlenEingabe dialog(0);
-    dialog.prompt = "Länge in mm:";
-    EXPECT_EQ(dialog.DoModal(), IDOK);
-    EXPECT_EQ(dialog.doubleEntry, -4);
-    EXPECT_EQ(dialog.integerEntry, 0);
-    ASSERT_EQ(recording.ui.events.size(), 1u);
-    EXPECT_EQ(recording.ui.events[0].text, "Länge in mm:");
-    EXPECT_FALSE(recording.ui.events[0].integerMode);
-}
-
-TEST(ZahlenEingabe, CancelLeavesTheEntry) {
-    ScopedRecordingUi recording;
-    recording.ui.numberAnswers = {std::nullopt, std::nullopt, std::nullopt};
-    CZahlenEingabe integerDialog(1);
-    EXPECT_EQ(integerDialog.DoModal(), IDCANCEL);
-    EXPECT_EQ(integerDialog.integerEntry, 0);
-    CZahlenEingabe doubleDialog(0);
-    EXPECT_EQ(doubleDialog.DoModal(), IDCANCEL);
-    EXPECT_EQ(doubleDialog.doubleEntry, 0);
-
-    CZahlenEingabe preset(1);
-    preset.integerEntry = 5;
-    EXPECT_EQ(preset.DoModal(), IDCANCEL);
-    EXPECT_EQ(preset.integerEntry, 5);
-}
-
-TEST(ZahlenEingabe, TheFieldOpensWithTheEntry) {
-    OpeningValueUi ui;
-    CUserInterface* previous = pUserInterface;
+TEST(ZahlenEingabe, TheModeChoosesTheEntryThatOpensTheFieldAndTakesTheAnswer) {
+    AnsweringUi ui;
+    CUserInterface* const previous = pUserInterface;
     pUserInterface = &ui;
     CZahlenEingabe fresh(1);
-    fresh.DoModal();
-    EXPECT_EQ(ui.openedWith, 0);
-    CZahlenEingabe preset(0);
-    preset.doubleEntry = 12;
-    preset.integerEntry = 34;
-    preset.DoModal();
-    EXPECT_EQ(ui.openedWith, 12);
-    EXPECT_EQ(preset.doubleEntry, 99);
+    EXPECT_EQ(fresh.prompt, "Wert=");
+    EXPECT_EQ(fresh.integerEntry, 0);
+    EXPECT_EQ(fresh.doubleEntry, 0);
+    const struct {
+        int mode, integerEntry, doubleEntry;
+        const char* prompt;
+        std::optional<int> answer;
+        int returned, integerAfter, doubleAfter;
+    } cases[] = {
+        {1, 0, 0, "Wert=", 17, IDOK, 17, 0},       {0, 0, 0, "Länge in mm:", -4, IDOK, 0, -4},
+        {0, 34, 12, "Wert=", 99, IDOK, 34, 99},    {1, 0, 0, "Wert=", std::nullopt, IDCANCEL, 0, 0},
+        {0, 0, 0, "", std::nullopt, IDCANCEL, 0, 0}, {1, 5, 0, "Wert=", std::nullopt, IDCANCEL, 5, 0},
+    };
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        const auto& c = cases[i];
+        SCOPED_TRACE(testing::Message() << "case " << i);
+        CZahlenEingabe dialog(c.mode);
+        dialog.prompt = c.prompt;
+        dialog.integerEntry = c.integerEntry;
+        dialog.doubleEntry = c.doubleEntry;
+        ui.answer = c.answer;
+        EXPECT_EQ(dialog.DoModal(), c.returned);
+        EXPECT_EQ(ui.prompt, c.prompt);
+        EXPECT_EQ(ui.integerMode, c.mode != 0);
+        EXPECT_EQ(ui.openedWith, c.mode ? c.integerEntry : c.doubleEntry);
+        EXPECT_EQ(dialog.integerEntry, c.integerAfter);
+        EXPECT_EQ(dialog.doubleEntry, c.doubleAfter);
+    }
     pUserInterface = previous;
 }
 
@@ -88,8 +68,7 @@ TEST(ZahlenEingabe, ResourceDescribesTheDialog) {
         int id;
         DialogItem::Kind kind;
         const char* text;
-    } expected[] = {{1001, DialogItem::StaticText, "Wert"},
-                    {1000, DialogItem::EditField, nullptr},
+    } expected[] = {{1001, DialogItem::StaticText, "Wert"}, {1000, DialogItem::EditField, nullptr},
                     {IDOK, DialogItem::DefaultPushButton, "OK"},
                     {IDCANCEL, DialogItem::PushButton, "Abbrechen"}};
     for (const auto& item : expected) {

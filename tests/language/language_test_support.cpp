@@ -1,24 +1,18 @@
 #include "language/language_test_support.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 
 namespace {
 
 std::string Describe(const VALUE& cell) {
+    if (cell.type == 57) return "s:" + cell.stringValue->str();
     char buffer[64];
-    switch (cell.type) {
-    case 40:
-        std::snprintf(buffer, sizeof buffer, "i:%d", cell.intValue);
-        return buffer;
-    case 41:
-        std::snprintf(buffer, sizeof buffer, "d:%g", cell.doubleValue);
-        return buffer;
-    case 57:
-        return "s:" + cell.stringValue->str();
-    default:
-        std::snprintf(buffer, sizeof buffer, "t%d:%d", cell.type, cell.intValue);
-        return buffer;
-    }
+    if (cell.type == 41) std::snprintf(buffer, sizeof buffer, "d:%g", cell.doubleValue);
+    else if (cell.type == 40) std::snprintf(buffer, sizeof buffer, "i:%d", cell.intValue);
+    else std::snprintf(buffer, sizeof buffer, "t%d:%d", cell.type, cell.intValue);
+    return buffer;
 }
 
 int Merke(VALUE* stack, int top) {
@@ -33,8 +27,8 @@ int Setze(VALUE* stack, int top) {
 
 }  // namespace
 
-std::vector<std::string>& Recorded() {
-    static std::vector<std::string> record;
+Record& Recorded() {
+    static Record record;
     return record;
 }
 
@@ -57,14 +51,11 @@ ScopedEnvironment::ScopedEnvironment() : previous(pBasisPredefinedUmgebung) {
 
 ScopedEnvironment::~ScopedEnvironment() { pBasisPredefinedUmgebung = previous; }
 
-const char* const recordingDeclarations =
-    "EXTERN PROCEDURE merke(x : STRING);\n"
-    "EXTERN PROCEDURE merkeZahl(x : INTEGER);\n";
-
-std::vector<std::string> RunRecorded(const std::string& body, int* result) {
+Record RunRecorded(const std::string& body, int* result) {
     ScopedRecordingUi ui;
     ScopedEnvironment environment;
-    int outcome = RunText(recordingDeclarations + body, true);
+    int outcome = RunText("EXTERN PROCEDURE merke(x : STRING);\n"
+                          "EXTERN PROCEDURE merkeZahl(x : INTEGER);\n" + body, true);
     if (result) *result = outcome;
     return Recorded();
 }
@@ -82,4 +73,20 @@ std::string CompileError(const std::string& source) {
         return text.substr(start, end - start);
     }
     return "";
+}
+
+void ExpectErrors(const std::vector<std::pair<std::string, std::string>>& cases) {
+    for (const auto& [source, message] : cases) {
+        EXPECT_EQ(CompileError(source), message) << source;
+        ScopedRecordingUi ui;
+        EXPECT_EQ(RunText(source, false), 0) << source;
+        EXPECT_TRUE(ui.ui.events.empty()) << source;
+    }
+}
+
+int RunSilently(const std::string& source) {
+    ScopedRecordingUi ui;
+    const int result = RunText(source, true);
+    EXPECT_TRUE(ui.ui.events.empty()) << source;
+    return result;
 }
