@@ -4,109 +4,99 @@
 
 #include "tests/editor/editor_fixture.h"
 
-TEST(Colouring, TokensGetTheirStyles) {
-    Editor e;
-    e.SetText("BEGIN x := Pi; \"Text\" 42 END");
-    // The blank after a token is formatted when the next token closes the run.
-    EXPECT_EQ(e.Letters(), "kkkkk......cc..ssssss.nn.kkk");
+namespace {
+void NoSetup(TestEdit&) {}
+void OnlyWords(TestEdit& edit, const char* keywords) {
+    edit.ClearKeywords();
+    edit.ClearConstants();
+    edit.AddKeywords(keywords);
+}
+}  // namespace
 
-    const CHARFORMAT keyword = e.widget->CharFormatAt(0);
-    EXPECT_EQ(keyword.crTextColor, 0xFF0000u);
-    EXPECT_FALSE(keyword.dwEffects & CFE_BOLD);
-    EXPECT_STREQ(keyword.szFaceName, "Courier New");
-    EXPECT_EQ(keyword.yHeight, 200);
-    const CHARFORMAT constant = e.widget->CharFormatAt(11);
-    EXPECT_EQ(constant.crTextColor, 0u);
-    EXPECT_TRUE(constant.dwEffects & CFE_BOLD);
+// Letters: see editor_fixture.h. `shown` is the text after the rewrite of
+// case, null if it stays as set.
+TEST(Colouring, TokensGetTheirLettersAndWordsTheirSpelling) {
+    struct Case {
+        const char* text;
+        const char* letters;
+        const char* shown;
+        void (*setup)(TestEdit&);
+    };
+    const Case cases[] = {
+        {"BEGIN x := Pi; \"Text\" 42 END", "kkkkk......cc..ssssss.nn.kkk", nullptr, NoSetup},
+        // Plain text behind the last token keeps its format but for its first character.
+        {"BEGIN foo bar", "kkkkk.???????", nullptr, NoSetup},
+        // "1,a" is "1," and a word; the comma of "7, x" belongs to the number; ".5" is "." and "5".
+        {"3,14 1,a a1 2.5e3 7, x .5", "nnnn.nn.....nnnnn.nn....n", nullptr, NoSetup},
+        // Strings run across lines, an unclosed one to the end.
+        {"\"a\rb\" END \"open\rBEGIN", "sssss.kkk.sssssssssss", nullptr, NoSetup},
+        {"'it''s' \"x'\"", "sssssss.ssss", nullptr, [](TestEdit& e) { e.SetStringQuotes("'\""); }},
+        // Bracket comments nest, an unclosed one runs to the end; nothing inside is rewritten.
+        {"(* a (* b *) c *) END", "#################.kkk", nullptr, NoSetup},
+        {"BEGIN (* a (* b *) END\rWHILE", "kkkkk.######################", nullptr, NoSetup},
+        {"(* begin *) begin", "###########.kkkkk", "(* begin *) BEGIN", NoSetup},
+        // An error line is red whatever it holds; a bracket comment takes the marker
+        // first; the marker takes one more character, even the line end.
+        {"x := 1\r<!>!!!Fehler: \"BEGIN 12\r(* <!>x *)\r<!>\rEND",
+         ".....n.!!!!!!!!!!!!!!!!!!!!!!!.##########.!!!!!!!", nullptr, NoSetup},
+        {"BEGIN // END 1\rEND / 2", "kkkkk.########.kkk...n", nullptr, [](TestEdit& e) { e.SetSLComment('/', '/'); }},
+        // The comment word is rewritten to its spelling before it turns into a comment.
+        {"PRINT 1\rrem PRINT 2\rPRINT ' x", "kkkkk.n.###########.kkkkk.###", "PRINT 1\rREM PRINT 2\rPRINT ' x",
+         [](TestEdit& e) { OnlyWords(e, " REM  PRINT "); e.SetSLComment('\'', 0); e.SetSLComment("REM"); }},
+        // A comment word that the line rule would not take stays a keyword (and the scan ends).
+        {"1 X", "n.k", nullptr,
+         [](TestEdit& e) { OnlyWords(e, " X "); e.SetSLComment('X', 'Y'); e.SetSLComment("X"); }},
+        {"begin", "kkkkk", nullptr, [](TestEdit& e) { e.SetChangeCase(0); }},
+        // With case counting only the exact match form counts, and nothing is
+        // rewritten; words added before keep their upper case match form.
+        {"begin Begin", "......kkkkk", nullptr,
+         [](TestEdit& e) { OnlyWords(e, ""); e.SetCaseSensitive(1); e.AddKeywords(" Begin "); }},
+        {"begin BEGIN", "......kkkkk", nullptr, [](TestEdit& e) { OnlyWords(e, " Begin "); e.SetCaseSensitive(1); }},
+        // Whole words only, spelt as at their place in the list; umlauts belong
+        // to words; cleared lists are gone ("end", "pi").
+        {"begin gin end pi 1", "kkkkk............n", "BEGIN gin end pi 1",
+         [](TestEdit& e) { OnlyWords(e, " Beginner  BEGIN "); }},
+        {"pi GRÖßE end 1", "...ccccc.....n", "pi Größe end 1",
+         [](TestEdit& e) { e.ClearKeywords(); e.ClearConstants(); e.AddConstants(" Größe "); }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        Editor e;
+        c.setup(e.edit);
+        e.SetText(c.text);
+        EXPECT_EQ(e.Letters(), c.letters);
+        EXPECT_EQ(e.Text(), c.shown ? c.shown : c.text);
+    }
 }
 
-TEST(Colouring, PlainTextBehindTheLastTokenKeepsItsFormatButForItsFirstCharacter) {
+TEST(Colouring, StylesHaveTheirColoursAndTheModulesHeight) {
     Editor e;
-    e.SetText("BEGIN foo bar");
-    EXPECT_EQ(e.Letters(), "kkkkk.???????");
-    e.SetText("foo");
-    EXPECT_EQ(e.Letters(), ".??");
+    e.SetText("BEGIN Pi\r<!>x");
+    EXPECT_EQ(e.widget->CharFormatAt(0).crTextColor, 0xFF0000u);
+    EXPECT_FALSE(e.widget->CharFormatAt(0).dwEffects & CFE_BOLD);
+    EXPECT_EQ(e.widget->CharFormatAt(6).crTextColor, 0u);
+    EXPECT_TRUE(e.widget->CharFormatAt(6).dwEffects & CFE_BOLD);
+    EXPECT_EQ(e.widget->CharFormatAt(9).crTextColor, 0x0000FFu);
+    EXPECT_TRUE(e.widget->CharFormatAt(9).dwEffects & CFE_BOLD);
+
+    // A new style takes effect with the next colouring.
+    e.edit.SetKeywordColor(RGB(10, 20, 30), 1);
+    e.edit.FormatAll();
+    EXPECT_EQ(e.widget->CharFormatAt(0).crTextColor, RGB(10, 20, 30));
+    EXPECT_TRUE(e.widget->CharFormatAt(0).dwEffects & CFE_BOLD);
+
+    EXPECT_EQ(e.widget->CharFormatAt(0).yHeight, 200);  // the face is checked by every letter
+    const int saved = TWScriptEditHoehe;
+    TWScriptEditHoehe = 240;
+    e.edit.FormatAll();
+    TWScriptEditHoehe = saved;
+    EXPECT_EQ(e.widget->CharFormatAt(0).yHeight, 240);
 }
 
-TEST(Colouring, NumbersAreReadWithTheirCommaAndExponent) {
-    Editor e;
-    e.SetText("3,14 1,a a1 2.5e3 7, x .5");
-    // "1,a" is the number "1," and a word; the comma of "7, x" belongs to the
-    // number; the point of ".5" is no part of it.
-    EXPECT_EQ(e.Letters(), "nnnn.nn.....nnnnn.nn....n");
-    EXPECT_EQ(e.Text(), "3,14 1,a a1 2.5e3 7, x .5");
-}
-
-TEST(Colouring, StringsRunAcrossLinesAndAnUnclosedOneToTheEnd) {
-    Editor e;
-    e.SetText("\"a\rb\" END \"open\rBEGIN");
-    EXPECT_EQ(e.Letters(), "sssss.kkk.sssssssssss");
-    e.edit.SetStringQuotes("'\"");
-    e.SetText("'it''s' \"x'\"");
-    EXPECT_EQ(e.Letters(), "sssssss.ssss");
-    EXPECT_EQ(e.edit.IsStringQuote('\''), 1);
-    EXPECT_EQ(e.edit.IsStringQuote('a'), 0);
-}
-
-TEST(Colouring, BracketCommentsNestAndAnUnclosedOneRunsToTheEnd) {
-    Editor e;
-    e.SetText("(* a (* b *) c *) END");
-    EXPECT_EQ(e.Letters(), "#################.kkk");
-    e.SetText("BEGIN (* a (* b *) END\rWHILE");
-    EXPECT_EQ(e.Letters(), "kkkkk." + std::string(22, '#'));
-    // Inside a comment nothing is rewritten.
-    e.SetText("(* begin *) begin");
-    EXPECT_EQ(e.Text(), "(* begin *) BEGIN");
-}
-
-TEST(Colouring, ErrorLinesAreRedAndBoldWhateverTheyHold) {
-    Editor e;
-    e.SetText("x := 1\r<!>!!!Fehler: \"BEGIN 12\r(* <!>x *)\r<!>\rEND");
-    const std::string letters = e.Letters();
-    EXPECT_EQ(e.LineLetters(1), std::string(23, '!'));
-    // A bracket comment takes the marker first.
-    EXPECT_EQ(e.LineLetters(2), "##########");
-    // The marker takes one more character, even the line end.
-    EXPECT_EQ(letters.substr(static_cast<size_t>(e.edit.LineIndex(3))), "!!!!!!!");
-    const CHARFORMAT error = e.widget->CharFormatAt(e.edit.LineIndex(1));
-    EXPECT_EQ(error.crTextColor, 0x0000FFu);
-    EXPECT_TRUE(error.dwEffects & CFE_BOLD);
-}
-
-TEST(Colouring, LineCommentsByMarkerAndByWord) {
-    Editor e;
-    e.edit.SetSLComment('/', '/');
-    e.SetText("BEGIN // END 1\rEND / 2");
-    EXPECT_EQ(e.Letters(), "kkkkk.########.kkk...n");
-
-    Editor basic;
-    basic.edit.ClearKeywords();
-    basic.edit.AddKeywords(" REM  PRINT ");
-    basic.edit.SetSLComment('\'', 0);
-    basic.edit.SetSLComment("REM");
-    basic.SetText("PRINT 1\rrem PRINT 2\rPRINT ' x");
-    EXPECT_EQ(basic.LineLetters(0), "kkkkk.n");
-    EXPECT_EQ(basic.LineLetters(1), "###########");
-    EXPECT_EQ(basic.LineLetters(2), "kkkkk.###");
-    // The comment word is rewritten to its spelling before it turns into a comment.
-    EXPECT_EQ(basic.Text(), "PRINT 1\rREM PRINT 2\rPRINT ' x");
-}
-
-TEST(Colouring, ACommentWordThatTheLineRuleWouldNotTakeStaysAKeyword) {
-    Editor e;
-    e.edit.ClearKeywords();
-    e.edit.AddKeywords(" X ");
-    e.edit.SetSLComment('X', 'Y');
-    e.edit.SetSLComment("X");
-    e.SetText("1 X");  // must end, not spin
-    EXPECT_EQ(e.Letters(), "n.k");
-}
-
-TEST(Colouring, CaseIsRewrittenWithoutAnUndoStep) {
+TEST(Colouring, CaseIsRewrittenWithoutAnUndoStepOrAColouringOfItsOwn) {
     Editor e;
     e.widget->UserTypes("begin writeln ");
     EXPECT_EQ(e.Text(), "BEGIN WriteLn ");
-    EXPECT_EQ(e.Letters().substr(0, 13), "kkkkk.ccccccc");
     EXPECT_EQ(e.widget->UndoStepCount(), 1);  // the typing only
     e.widget->UserUndoes();
     EXPECT_EQ(e.Text(), "");
@@ -114,63 +104,14 @@ TEST(Colouring, CaseIsRewrittenWithoutAnUndoStep) {
 
     e.edit.SetChangeCase(0);
     e.SetText("begin");
-    EXPECT_EQ(e.Text(), "begin");
-    EXPECT_EQ(e.Letters(), "kkkkk");
-}
-
-TEST(Colouring, CaseSensitiveListsMatchTheExactSpellingOnly) {
-    Editor e(false);
-    e.edit.SetCaseSensitive(1);
-    e.edit.AddKeywords(" Begin ");
-    e.SetText("begin Begin");
-    EXPECT_EQ(e.edit.IsKeyword("begin"), -1);
-    EXPECT_EQ(e.edit.IsKeyword("Begin"), 0);
-    EXPECT_EQ(e.Letters(), "......kkkkk");
-    EXPECT_EQ(e.Text(), "begin Begin");
-    e.edit.ChangeCase(0, 5, "BEGIN");
-    EXPECT_EQ(e.Text(), "begin Begin");
-
-    // Words added while case did not count stay in upper case for the match.
-    Editor late(false);
-    late.edit.AddKeywords(" Begin ");
-    late.edit.SetCaseSensitive(1);
-    EXPECT_EQ(late.edit.keywordsMatch, " BEGIN ");
-    EXPECT_EQ(late.edit.IsKeyword("BEGIN"), 0);
-}
-
-TEST(Colouring, WordListsFindWholeWordsAndTheirPosition) {
-    Editor e(false);
-    e.edit.AddKeywords(" BEGINNER  BEGIN ");
-    EXPECT_EQ(e.edit.IsKeyword("begin"), 10);
-    EXPECT_EQ(e.edit.IsKeyword("GIN"), -1);
-    e.edit.AddConstants(" Wert ");
-    e.edit.ClearKeywords();
-    EXPECT_EQ(e.edit.keywords, "");
-    EXPECT_EQ(e.edit.keywordsMatch, "");
-    EXPECT_EQ(e.edit.IsConstant("WERT"), 0);
-    e.edit.ClearConstants();
-    EXPECT_EQ(e.edit.IsConstant("Wert"), -1);
-}
-
-TEST(Colouring, UmlautsBelongToWords) {
-    Editor e(false);
-    e.edit.AddConstants(" Größe ");
-    e.SetText("GRÖßE 1");
-    EXPECT_EQ(e.Text(), "Größe 1");
-    EXPECT_EQ(e.Letters(), "ccccc.n");
-}
-
-TEST(Colouring, SettersChangeTheStyleOfTheNextColouring) {
-    Editor e;
-    e.SetText("BEGIN");
-    e.edit.SetKeywordColor(RGB(10, 20, 30), 1);
-    EXPECT_EQ(e.widget->CharFormatAt(0).crTextColor, 0xFF0000u);
+    e.edit.SetChangeCase(1);
+    e.edit.changeType = ChangeReplace;
     e.edit.FormatAll();
-    EXPECT_EQ(e.widget->CharFormatAt(0).crTextColor, RGB(10, 20, 30));
-    EXPECT_TRUE(e.widget->CharFormatAt(0).dwEffects & CFE_BOLD);
+    EXPECT_EQ(e.Text(), "BEGIN");
+    EXPECT_EQ(e.edit.changeType, ChangeReplace);
 }
 
-TEST(Colouring, FormatsLeaveOtherEffectsAndTheSelectionAlone) {
+TEST(Colouring, FormatsLeaveOtherEffectsTheSelectionAndEmptyRangesAlone) {
     Editor e;
     e.SetText("BEGIN x END");
     e.edit.SetSel(2, 7);
@@ -187,31 +128,17 @@ TEST(Colouring, FormatsLeaveOtherEffectsAndTheSelectionAlone) {
     EXPECT_TRUE(e.widget->CharFormatAt(3).dwEffects & CFE_ITALIC);
     EXPECT_EQ(e.LetterAt(3), 'k');
 
-    e.edit.SetFormatRange(4, 4, 1, RGB(9, 9, 9));
-    EXPECT_EQ(e.Sel(), std::make_pair(6L, 9L));
-    EXPECT_EQ(e.LetterAt(4), 'k');
-}
-
-TEST(Colouring, EmptyRangesAndEmptyTextChangeNothing) {
-    Editor e;
-    e.edit.FormatAll();
-    EXPECT_EQ(e.Text(), "");
-    e.SetText("BEGIN");
     e.Paint();
-    e.edit.SetSel(1, 3);
+    e.edit.SetFormatRange(4, 4, 1, RGB(9, 9, 9));
     e.edit.FormatTextRange(3, 3);
     e.edit.FormatTextRange(4, 2);
-    EXPECT_FALSE(e.Reached(0));
-    EXPECT_EQ(e.Sel(), std::make_pair(1L, 3L));
-}
+    EXPECT_EQ(e.Letters(), "xxxxxxxxxxx");
+    EXPECT_EQ(e.Sel(), std::make_pair(6L, 9L));
 
-TEST(Colouring, ARangeThatStartsInsideACommentIsLexedAsCode) {
-    Editor e;
+    // A range that starts inside a comment is lexed as code.
     e.SetText("(* BEGIN *) END");
     e.edit.FormatTextRange(3, 15);
     EXPECT_EQ(e.Letters(), "###kkkkk....kkk");
-    e.edit.FormatAll();
-    EXPECT_EQ(e.Letters(), "###########.kkk");
 }
 
 namespace {
@@ -236,21 +163,9 @@ TEST(Colouring, AFailureInTheScanEndsItQuietlyAndRestoresTheControl) {
     edit.SetSel(3, 8);
     widget.callsLeft = 2;
     edit.FormatAll();
-    long s = 0, e = 0;
-    edit.GetSel(s, e);
-    EXPECT_EQ(s, 3);
-    EXPECT_EQ(e, 8);
+    EXPECT_EQ(SelOf(edit), std::make_pair(3L, 8L));
     EXPECT_FALSE(widget.IsUpdateLocked());
     EXPECT_FALSE(widget.IsSelectionHidden());
     EXPECT_EQ(edit.forcedChange, 0);
     edit.Detach();
-}
-
-TEST(Colouring, TheHeightFollowsTheModuleSetting) {
-    const int saved = TWScriptEditHoehe;
-    TWScriptEditHoehe = 240;
-    Editor e;
-    e.SetText("END");
-    TWScriptEditHoehe = saved;
-    EXPECT_EQ(e.widget->CharFormatAt(0).yHeight, 240);
 }

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstring>
+#include <iterator>
 #include <string>
+#include <utility>
 
 #include "qelkern/editor.h"
 #include "support/test_support.h"
@@ -11,76 +13,67 @@
 // Opens the protected members to the tests.
 class TestEdit : public CTWScriptEdit {
 public:
-    using CTWScriptEdit::ChangeCase;
-    using CTWScriptEdit::FormatTextLines;
     using CTWScriptEdit::FormatTextRange;
-    using CTWScriptEdit::IsConstant;
-    using CTWScriptEdit::IsKeyword;
-    using CTWScriptEdit::IsStringQuote;
     using CTWScriptEdit::SetFormatRange;
 };
+
+inline std::pair<long, long> SelOf(const CRichEditCtrl& ctrl) {
+    long s = 0, e = 0;
+    ctrl.GetSel(s, e);
+    return {s, e};
+}
+
+// k keyword, c constant, # comment, n number, s string, ! error line,
+// . plain, ? never formatted by the editor, x anything else.
+inline std::string LettersOf(const CTWScriptEdit& edit, int start, int end) {
+    const auto* widget = dynamic_cast<const CMemoryRichEdit*>(edit.GetWidget());
+    const std::pair<const SymbolStyle*, char> styles[] = {
+        {&edit.keywordStyle, 'k'}, {&edit.constantStyle, 'c'}, {&edit.commentStyle, '#'},
+        {&edit.numberStyle, 'n'},  {&edit.stringStyle, 's'},   {&edit.errorStyle, '!'}};
+    std::string letters;
+    for (int i = start; i < end; ++i) {
+        const CHARFORMAT cf = widget->CharFormatAt(i);
+        const bool bold = (cf.dwEffects & CFE_BOLD) != 0;
+        char letter = cf.crTextColor == 0 && !bold ? '.' : 'x';
+        for (auto it = std::rbegin(styles); it != std::rend(styles); ++it)  // the first that fits wins
+            if (it->first->colour == cf.crTextColor && (it->first->bold != 0) == bold) letter = it->second;
+        const bool formatted = std::strcmp(cf.szFaceName, "Courier New") == 0 && cf.yHeight == TWScriptEditHoehe;
+        letters += formatted ? letter : '?';
+    }
+    return letters;
+}
+
+// The letters of one line of the text.
+inline std::string LineLettersOf(const CTWScriptEdit& edit, int line) {
+    const int start = edit.LineIndex(line);
+    return LettersOf(edit, start, start + edit.LineLength(start));
+}
 
 struct Editor {
     TestEdit edit;
     CMemoryRichEdit* widget = nullptr;
 
-    explicit Editor(bool withLanguage = true) {
+    Editor() {
         edit.Create();
         widget = dynamic_cast<CMemoryRichEdit*>(edit.GetWidget());
         edit.Initialize();
-        if (withLanguage) {
-            edit.AddKeywords(" BEGIN  END  IF  THEN  ELSE  WHILE  DO  VAR  INTEGER  CONST ");
-            edit.AddConstants(" WriteLn  Pi ");
-            edit.SetSLComment("(*", "*)");
-        }
+        edit.AddKeywords(" BEGIN  END  IF  THEN  ELSE  WHILE  DO  VAR  INTEGER  CONST ");
+        edit.AddConstants(" WriteLn  Pi ");
+        edit.SetSLComment("(*", "*)");
     }
 
     void SetText(const char* text) { edit.SetWindowText(text); }
     const std::string& Text() const { return widget->Text(); }
-    std::pair<long, long> Sel() const {
-        long s = 0, e = 0;
-        edit.GetSel(s, e);
-        return {s, e};
-    }
+    std::pair<long, long> Sel() const { return SelOf(edit); }
+    char LetterAt(int position) const { return LettersOf(edit, position, position + 1)[0]; }
+    std::string Letters() const { return LettersOf(edit, 0, static_cast<int>(Text().size())); }
+    std::string LineLetters(int line) const { return LineLettersOf(edit, line); }
 
-    // k keyword, c constant, # comment, n number, s string, ! error line,
-    // . plain, ? never formatted by the editor, x anything else.
-    char LetterAt(int position) const {
-        const CHARFORMAT cf = widget->CharFormatAt(position);
-        if (std::strcmp(cf.szFaceName, "Courier New") != 0 || cf.yHeight != TWScriptEditHoehe) return '?';
-        const bool bold = (cf.dwEffects & CFE_BOLD) != 0;
-        const SymbolStyle seen{cf.crTextColor, bold ? 1 : 0};
-        auto is = [&](const SymbolStyle& style) {
-            return style.colour == seen.colour && (style.bold != 0) == bold;
-        };
-        if (is(edit.keywordStyle)) return 'k';
-        if (is(edit.constantStyle)) return 'c';
-        if (is(edit.commentStyle)) return '#';
-        if (is(edit.numberStyle)) return 'n';
-        if (is(edit.stringStyle)) return 's';
-        if (is(edit.errorStyle)) return '!';
-        if (cf.crTextColor == 0 && !bold) return '.';
-        return 'x';
-    }
-
-    std::string Letters() const {
-        std::string letters;
-        for (int i = 0; i < static_cast<int>(Text().size()); ++i) letters += LetterAt(i);
-        return letters;
-    }
-
-    // The letters of one line of the text.
-    std::string LineLetters(int line) const {
-        const int start = edit.LineIndex(line);
-        const int length = edit.LineLength(start);
-        return Letters().substr(static_cast<size_t>(start), static_cast<size_t>(length));
-    }
-
-    // Marks every character with a colour the editor never uses, so that a
-    // later colouring shows which text it reached.
-    void Paint(COLORREF colour = RGB(1, 2, 3), bool protect = false) {
+    // Marks the text with a colour the editor never uses, so that a later
+    // colouring shows which text it reached.
+    void Paint(COLORREF colour = RGB(1, 2, 3), bool protect = false, long from = 0, long to = -1) {
         const auto [s, e] = Sel();
-        edit.SetSel(0, -1);
+        edit.SetSel(from, to);
         CHARFORMAT cf;
         cf.dwMask = CFM_COLOR | (protect ? static_cast<DWORD>(CFM_PROTECTED) : 0u);
         cf.crTextColor = colour;

@@ -4,74 +4,54 @@
 #include "tests/editor/editor_fixture.h"
 
 namespace {
-// Each test starts as a fresh process would.
-void ForgetWords() {
-    szKeywords.Empty();
-    szConstants.Empty();
-    Keywords.RemoveAll();
-    GlobaleSymbole.RemoveAll();
-}
-
 class HostEnvironment : public CBasisPredefinedUmgebung {
 public:
-    CString AddConstants(CStringArray& symbols) override {
-        symbols.Add("Hostwert()");
-        return " Hostwert ";
-    }
-    CString AddKeywords(CStringArray& words) override {
-        words.Add("SCHLEIFE");
-        return " SCHLEIFE ";
-    }
+    CString AddConstants(CStringArray& symbols) override { symbols.Add("Hostwert()"); return " Hostwert "; }
+    CString AddKeywords(CStringArray& words) override { words.Add("SCHLEIFE"); return " SCHLEIFE "; }
 };
 
-struct ScopedEnvironment {
-    HostEnvironment environment;
-    CBasisPredefinedUmgebung* previous = pBasisPredefinedUmgebung;
-    ScopedEnvironment() { pBasisPredefinedUmgebung = &environment; }
-    ~ScopedEnvironment() { pBasisPredefinedUmgebung = previous; }
-};
-
-const char prelude[] =
-    "CONST Max = 10;\n"
-    "VAR zaehler : INTEGER;\n"
-    "PROCEDURE Tausche(VAR a : INTEGER; b : DOUBLE); BEGIN END;\n"
-    "FUNCTION Name(x : INTEGER) : STRING; BEGIN END;\n"
-    "EXTERN PROCEDURE ErrorMsg(caption, text : STRING);\n";
-
-// Every word has a blank on both sides, neighbours have two between them.
-bool IsWordList(const std::string& list) {
-    if (list.empty()) return true;
-    if (list.front() != ' ' || list.back() != ' ') return false;
-    for (size_t at = 0; at < list.size();) {
-        const size_t end = list.find(' ', at + 1);
-        if (end == std::string::npos || end == at + 1 || end + 1 > list.size()) return false;
-        at = end + 1;
+// Each test starts as a fresh process would, with a dialog to take the editor.
+class ScriptEditInit : public ::testing::Test {
+protected:
+    static void Forget() {
+        szKeywords.Empty();
+        szConstants.Empty();
+        Keywords.RemoveAll();
+        GlobaleSymbole.RemoveAll();
     }
-    return true;
-}
+    void SetUp() override {
+        Forget();
+        ASSERT_TRUE(dialog.Create());
+    }
+    void Init(TestEdit& edit, const std::string& prelude) {
+        InitTWScriptEdit(&edit, &dialog, IDC_TEXTDIALOG_EDIT, prelude.c_str());
+    }
+    ScopedRecordingUi recording;
+    CWindowDialog dialog{IDD_TEXTDIALOG, nullptr};
+};
 }  // namespace
 
-TEST(InitTWScriptEdit, GathersKeywordsAndGlobalNamesFromThePrelude) {
-    ForgetWords();
-    ScopedRecordingUi recording;
-    ScopedEnvironment host;
+TEST_F(ScriptEditInit, GathersKeywordsAndGlobalNamesFromThePrelude) {
+    HostEnvironment host;
+    CBasisPredefinedUmgebung* previous = pBasisPredefinedUmgebung;
+    pBasisPredefinedUmgebung = &host;
     const std::string path = MakeTempDir("init-prelude") + "extern.qel";
-    WriteFileBytes(path, prelude);
-    CWindowDialog dialog(IDD_TEXTDIALOG, nullptr);
-    ASSERT_TRUE(dialog.Create());
+    WriteFileBytes(path,
+                   "CONST Max = 10;\n"
+                   "VAR zaehler : INTEGER;\n"
+                   "PROCEDURE Tausche(VAR a : INTEGER; b : DOUBLE); BEGIN END;\n"
+                   "FUNCTION Name(x : INTEGER) : STRING; BEGIN END;\n"
+                   "EXTERN PROCEDURE ErrorMsg(caption, text : STRING);\n");
     TestEdit edit;
-    InitTWScriptEdit(&edit, &dialog, IDC_TEXTDIALOG_EDIT, path.c_str());
+    Init(edit, path);
+    pBasisPredefinedUmgebung = previous;
     EXPECT_TRUE(recording.ui.events.empty());
 
     EXPECT_EQ(szConstants, " Hostwert  Max  zaehler  Tausche  Name  ErrorMsg ");
-    ASSERT_GE(GlobaleSymbole.GetSize(), 7);
-    EXPECT_EQ(GlobaleSymbole[0], "Hostwert()");
-    EXPECT_EQ(GlobaleSymbole[1], "");  // the scope's head
-    EXPECT_EQ(GlobaleSymbole[2], "Max");
-    EXPECT_EQ(GlobaleSymbole[3], "zaehler");
-    EXPECT_EQ(GlobaleSymbole[4], "Tausche(a:integer, b:double)");
-    EXPECT_EQ(GlobaleSymbole[5], "Name(x:integer):string");
-    EXPECT_EQ(GlobaleSymbole[6], "ErrorMsg(caption:string, text:string)");
+    CString symbols;  // the second is the scope's head
+    for (int i = 0; i < GlobaleSymbole.GetSize(); ++i) symbols += GlobaleSymbole[i] + "|";
+    EXPECT_EQ(symbols, "Hostwert()||Max|zaehler|Tausche(a:integer, b:double)|Name(x:integer):string|"
+                       "ErrorMsg(caption:string, text:string)|");
 
     // The keywords follow the host's, in the order of the scanner's table.
     std::string empty = ".";
@@ -84,83 +64,53 @@ TEST(InitTWScriptEdit, GathersKeywordsAndGlobalNamesFromThePrelude) {
         expected += " " + table.keywords[i].name + " ";
     }
     EXPECT_EQ(szKeywords, expected);
-    EXPECT_TRUE(IsWordList(szKeywords.str()));
-    EXPECT_TRUE(IsWordList(szConstants.str()));
 
-    // The editor got the words and the language's rules.
+    // The editor took the dialog's item, the words and the language's rules.
     EXPECT_EQ(dialog.GetDlgItem(IDC_TEXTDIALOG_EDIT), &edit);
-    EXPECT_EQ(edit.keywords, szKeywords);
-    EXPECT_EQ(edit.commentStart, "(*");
-    EXPECT_EQ(edit.commentEnd, "*)");
     EXPECT_EQ(edit.GetEventMask(), 0x280001u);
     edit.SetWindowText("begin ZAEHLER := max; schleife (* x *) end");
     EXPECT_EQ(edit.GetWindowText(), "BEGIN zaehler := Max; SCHLEIFE (* x *) END");
-    const auto* widget = dynamic_cast<CMemoryRichEdit*>(edit.GetWidget());
-    EXPECT_EQ(widget->CharFormatAt(0).crTextColor, 0xFF0000u);
-    EXPECT_TRUE(widget->CharFormatAt(6).dwEffects & CFE_BOLD);
+    EXPECT_EQ(LettersOf(edit, 0, 42), "kkkkk.ccccccc....ccc..kkkkkkkk.#######.kkk");
 }
 
-TEST(InitTWScriptEdit, OnlyTheFirstSuccessfulCallCompiles) {
-    ForgetWords();
-    ScopedRecordingUi recording;
+TEST_F(ScriptEditInit, OnlyTheFirstSuccessfulCallCompiles) {
     const std::string dir = MakeTempDir("init-twice");
+    WriteFileBytes(dir + "kaputt.qel", "VAR ;");
     WriteFileBytes(dir + "erste.qel", "VAR erste : INTEGER;");
     WriteFileBytes(dir + "zweite.qel", "VAR zweite : INTEGER;");
-    CWindowDialog dialog(IDD_TEXTDIALOG, nullptr);
-    ASSERT_TRUE(dialog.Create());
+    // An empty or missing prelude gives the keywords only.
     TestEdit first, second;
-    InitTWScriptEdit(&first, &dialog, IDC_TEXTDIALOG_EDIT, (dir + "erste.qel").c_str());
-    const CString constants = szConstants;
+    for (const std::string& prelude : {std::string(), dir + "fehlt.qel"}) {
+        Forget();
+        Init(first, prelude);
+        EXPECT_NE(szKeywords.Find(" BEGIN "), -1) << prelude;
+        EXPECT_EQ(szConstants, "") << prelude;
+        EXPECT_EQ(GlobaleSymbole.GetSize(), 1) << prelude;
+    }
+    EXPECT_TRUE(recording.ui.events.empty());
+
+    // A failed prelude is shown; the editor is set up all the same.
+    Forget();
+    Init(first, dir + "kaputt.qel");
+    EXPECT_TRUE(szKeywords.IsEmpty());
+    ASSERT_EQ(recording.ui.events.size(), 1u);
+    EXPECT_EQ(recording.ui.events[0].kind, UiEvent::TextDialog);
+    EXPECT_EQ(first.commentStart, "(*");
+
+    Init(first, dir + "erste.qel");
     const int keywordCount = Keywords.GetSize();
-    InitTWScriptEdit(&second, &dialog, IDC_TEXTDIALOG_EDIT, (dir + "zweite.qel").c_str());
-    EXPECT_EQ(szConstants, constants);
+    EXPECT_GT(keywordCount, 0);
+    Init(first, dir + "zweite.qel");
+    Init(second, dir + "zweite.qel");
     EXPECT_EQ(szConstants, " erste ");
     EXPECT_EQ(Keywords.GetSize(), keywordCount);
+    EXPECT_EQ(first.constants, " erste ");  // not twice
     EXPECT_EQ(second.constants, " erste ");
-    // The item now belongs to the second editor; the first lost nothing else.
+    // The item now belongs to the second editor.
     EXPECT_EQ(dialog.GetDlgItem(IDC_TEXTDIALOG_EDIT), &second);
 }
 
-TEST(InitTWScriptEdit, AFailedPreludeIsShownAndTheNextCallTriesAgain) {
-    ForgetWords();
-    ScopedRecordingUi recording;
-    const std::string dir = MakeTempDir("init-failed");
-    WriteFileBytes(dir + "kaputt.qel", "VAR ;");
-    WriteFileBytes(dir + "gut.qel", "CONST Gut = 1;");
-    CWindowDialog dialog(IDD_TEXTDIALOG, nullptr);
-    ASSERT_TRUE(dialog.Create());
-    TestEdit edit;
-    InitTWScriptEdit(&edit, &dialog, IDC_TEXTDIALOG_EDIT, (dir + "kaputt.qel").c_str());
-    EXPECT_TRUE(szKeywords.IsEmpty());
-    ASSERT_FALSE(recording.ui.events.empty());
-    EXPECT_EQ(recording.ui.events[0].kind, UiEvent::TextDialog);
-    EXPECT_EQ(edit.commentStart, "(*");  // the editor is set up all the same
-
-    InitTWScriptEdit(&edit, &dialog, IDC_TEXTDIALOG_EDIT, (dir + "gut.qel").c_str());
-    EXPECT_FALSE(szKeywords.IsEmpty());
-    EXPECT_EQ(szConstants, " Gut ");
-}
-
-TEST(InitTWScriptEdit, AnEmptyOrMissingPreludeGivesTheKeywordsOnly) {
-    ForgetWords();
-    ScopedRecordingUi recording;
-    CWindowDialog dialog(IDD_TEXTDIALOG, nullptr);
-    ASSERT_TRUE(dialog.Create());
-    TestEdit edit;
-    InitTWScriptEdit(&edit, &dialog, IDC_TEXTDIALOG_EDIT, "");
-    EXPECT_TRUE(recording.ui.events.empty());
-    EXPECT_NE(szKeywords.Find(" BEGIN "), -1);
-    EXPECT_EQ(szConstants, "");
-    EXPECT_EQ(GlobaleSymbole.GetSize(), 1);
-
-    ForgetWords();
-    InitTWScriptEdit(&edit, &dialog, IDC_TEXTDIALOG_EDIT, (MakeTempDir("init-missing") + "fehlt.qel").c_str());
-    EXPECT_NE(szKeywords.Find(" END "), -1);
-    EXPECT_TRUE(recording.ui.events.empty());
-}
-
 TEST(InitTWScriptEdit, AnEditorThatOutlivesItsDialogLetsGoOfTheWidget) {
-    ForgetWords();
     TestEdit edit;
     {
         CWindowDialog dialog(IDD_TEXTDIALOG, nullptr);

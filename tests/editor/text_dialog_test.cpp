@@ -4,29 +4,8 @@
 #include "tests/editor/editor_fixture.h"
 
 namespace {
-std::pair<long, long> CaretOf(const CTextDialog& dialog) {
-    long s = 0, e = 0;
-    dialog.edit.GetSel(s, e);
-    return {s, e};
-}
-
 CMemoryRichEdit& WidgetOf(const CTextDialog& dialog) {
     return *dynamic_cast<CMemoryRichEdit*>(dialog.GetItemWidget(IDC_TEXTDIALOG_EDIT));
-}
-
-// The editor's letters (see editor_fixture.h) of one line of the dialog.
-std::string DialogLineLetters(const CTextDialog& dialog, int line) {
-    std::string letters;
-    const CMemoryRichEdit& widget = WidgetOf(dialog);
-    const int start = dialog.edit.LineIndex(line);
-    for (int i = start; i < start + dialog.edit.LineLength(start); ++i) {
-        const CHARFORMAT cf = widget.CharFormatAt(i);
-        const bool bold = (cf.dwEffects & CFE_BOLD) != 0;
-        if (cf.crTextColor == 0x0000FF && bold) letters += '!';
-        else if (cf.crTextColor == 0xFF0000 && !bold) letters += 'k';
-        else letters += '.';
-    }
-    return letters;
 }
 }  // namespace
 
@@ -43,41 +22,43 @@ TEST(TextDialog, ACompileErrorShowsItsMarkerLineInTheErrorStyle) {
     dialog.line = shown->line;
     dialog.column = shown->column;
     ASSERT_TRUE(dialog.Create());
-
+    EXPECT_EQ(dialog.GetWindowText(), shown->caption);
     int marker = -1;
     for (int line = 0; line < dialog.edit.GetLineCount(); ++line)
         if (dialog.edit.GetTextRange(dialog.edit.LineIndex(line), dialog.edit.LineIndex(line) + 3) == "<!>")
             marker = line;
     ASSERT_GT(marker, 0);
-    const std::string letters = DialogLineLetters(dialog, marker);
+    const std::string letters = LineLettersOf(dialog.edit, marker);
     EXPECT_EQ(letters, std::string(letters.size(), '!'));
-    EXPECT_EQ(DialogLineLetters(dialog, 0), "kkkkk");
-    EXPECT_EQ(dialog.GetWindowText(), shown->caption);
+    EXPECT_EQ(LineLettersOf(dialog.edit, 0), "kkkkk");
 }
 
 TEST(TextDialog, TheCaretStandsOnTheLineAndFallsBackToTheLastLine) {
-    auto open = [](int line, int column) {
-        auto dialog = std::make_unique<CTextDialog>("Fehler Parser");
-        dialog->text = "eins\r\nzwei\r\ndrei";
-        dialog->line = line;
-        dialog->column = column;
-        dialog->Create();
-        return dialog;
+    struct Case {
+        int line, column;
+        long caret;
+        int lineAfter, columnAfter;
     };
-    EXPECT_EQ(CaretOf(*open(1, 2)), std::make_pair(7L, 7L));
-    // Beyond the text: the start of the last line, and the column falls to 0.
-    auto beyond = open(9, 3);
-    EXPECT_EQ(CaretOf(*beyond), std::make_pair(10L, 10L));
-    EXPECT_EQ(beyond->line, 2);
-    EXPECT_EQ(beyond->column, 0);
-    // Line 0 leaves the caret at the start of the text, whatever the column.
-    EXPECT_EQ(CaretOf(*open(0, 3)), std::make_pair(0L, 0L));
-    EXPECT_EQ(CaretOf(*open(-4, 3)), std::make_pair(0L, 0L));
-    // A column beyond the line goes on into the text.
-    EXPECT_EQ(CaretOf(*open(1, 8)), std::make_pair(13L, 13L));
+    const Case cases[] = {
+        {1, 2, 7, 1, 2},
+        {9, 3, 10, 2, 0},  // beyond the text: the start of the last line
+        {0, 3, 0, 0, 3},   // line 0 leaves the caret at the start, whatever the column
+        {-4, 3, 0, -4, 3},
+        {1, 8, 13, 1, 8},  // a column beyond the line goes on into the text
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.line) + ":" + std::to_string(c.column));
+        CTextDialog dialog("Fehler Parser");
+        dialog.text = "eins\r\nzwei\r\ndrei";
+        dialog.line = c.line;
+        dialog.column = c.column;
+        ASSERT_TRUE(dialog.Create());
+        EXPECT_EQ(SelOf(dialog.edit), std::make_pair(c.caret, c.caret));
+        EXPECT_EQ(std::make_pair(dialog.line, dialog.column), std::make_pair(c.lineAfter, c.columnAfter));
+    }
 }
 
-TEST(TextDialog, TheTextIsReadOnlyAndTheDialogFillsItsWindow) {
+TEST(TextDialog, TheTextIsReadOnlyAndTheDialogFromItsResourceFillsItsWindow) {
     CTextDialog dialog("Titel");
     dialog.text = "BEGIN END.";
     ASSERT_TRUE(dialog.Create());
@@ -99,38 +80,23 @@ TEST(TextDialog, TheTextIsReadOnlyAndTheDialogFillsItsWindow) {
     CRect empty(0, 0, 0, 300);
     dialog.Layout(empty);
     EXPECT_EQ(dialog.edit.GetWindowRect(), CRect(5, 5, 395, 271));
-}
 
-TEST(TextDialog, DoModalEndsWithOkAndGivesTheTextBack) {
-    CTextDialog dialog("Titel");
-    dialog.text = "a\r\nb";
-    EXPECT_EQ(dialog.DoModal(), IDOK);
-    EXPECT_EQ(dialog.text, "a\r\nb");
-}
+    CTextDialog modal("Titel");
+    modal.text = "a\r\nb";
+    EXPECT_EQ(modal.DoModal(), IDOK);
+    EXPECT_EQ(modal.text, "a\r\nb");
 
-TEST(TextDialog, TheResourceIsDataForEveryUserInterface) {
+    // The resource, found by its id; the button's size and the read-only
+    // style show above.
     const DialogTemplate* resource = FindDialogTemplate(IDD_TEXTDIALOG);
     ASSERT_EQ(resource, &TextDialogTemplate);
-    EXPECT_STREQ(resource->title, "Dialog");
-    EXPECT_STREQ(resource->fontName, "MS Sans Serif");
-    EXPECT_EQ(resource->fontPointSize, 8);
-    EXPECT_EQ(resource->width, 387);
-    EXPECT_EQ(resource->height, 293);
     ASSERT_EQ(resource->itemCount, 2);
-    const DialogItem* edit = resource->FindItem(1002);
-    ASSERT_NE(edit, nullptr);
-    EXPECT_EQ(edit->kind, DialogItem::RichEdit);
-    EXPECT_EQ(edit->text, nullptr);
-    EXPECT_EQ(edit->width, 385);
-    EXPECT_EQ(edit->height, 270);
-    EXPECT_TRUE(edit->style & DialogItem::ReadOnly);
-    EXPECT_TRUE(edit->style & DialogItem::MultiLine);
+    ASSERT_NE(resource->FindItem(IDC_TEXTDIALOG_EDIT), nullptr);
+    EXPECT_EQ(resource->FindItem(IDC_TEXTDIALOG_EDIT)->kind, DialogItem::RichEdit);
     const DialogItem* ok = resource->FindItem(IDOK);
     ASSERT_NE(ok, nullptr);
     EXPECT_EQ(ok->kind, DialogItem::DefaultPushButton);
     EXPECT_STREQ(ok->text, "OK");
-    EXPECT_EQ(ok->x, 335);
-    EXPECT_EQ(ok->y, 275);
     EXPECT_EQ(FindDialogTemplate(IDD_ZAHLENEINGABE), &ZahlenEingabeTemplate);
     EXPECT_EQ(FindDialogTemplate(4711), nullptr);
 }

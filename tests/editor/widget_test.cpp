@@ -5,26 +5,29 @@
 #include <string>
 #include <vector>
 
-#include "qelkern/richedit.h"
+#include "tests/editor/editor_fixture.h"
 
 namespace {
+using Log = std::vector<std::string>;
+
 // Records the notifications in the order they come.
 class RecordingCtrl : public CRichEditCtrl {
 public:
-    std::vector<std::string> log;
+    Log log;
     LRESULT protectedAnswer = 0;
 
 protected:
+    void Note(const std::string& what, const CHARRANGE& r) {
+        log.push_back(what + " " + std::to_string(r.cpMin) + "-" + std::to_string(r.cpMax));
+    }
     void OnChange() override { log.push_back("change"); }
     void OnSelChange(NMHDR* info, LRESULT* result) override {
-        const auto* sel = reinterpret_cast<SELCHANGE*>(info);
-        log.push_back("sel " + std::to_string(sel->chrg.cpMin) + "-" + std::to_string(sel->chrg.cpMax));
+        Note("sel", reinterpret_cast<SELCHANGE*>(info)->chrg);
         *result = 0;
     }
     void OnProtected(NMHDR* info, LRESULT* result) override {
         const auto* notice = reinterpret_cast<ENPROTECTED*>(info);
-        log.push_back("protected " + std::to_string(notice->msg) + " " + std::to_string(notice->chrg.cpMin) +
-                      "-" + std::to_string(notice->chrg.cpMax));
+        Note("protected " + std::to_string(notice->msg), notice->chrg);
         *result = protectedAnswer;
     }
 };
@@ -32,75 +35,64 @@ protected:
 struct Control {
     RecordingCtrl ctrl;
     CMemoryRichEdit* widget;
-    Control() {
+    explicit Control(const char* text = "") {
         ctrl.Create();
         widget = dynamic_cast<CMemoryRichEdit*>(ctrl.GetWidget());
         ctrl.SetEventMask(ENM_CHANGE | ENM_SELCHANGE | ENM_PROTECTED);
+        ctrl.SetWindowText(text);
     }
-    void Protect(long start, long end) {
+    void Format(long start, long end, DWORD mask, DWORD effects, COLORREF colour = 0) {
         ctrl.SetSel(start, end);
         CHARFORMAT cf;
-        cf.dwMask = CFM_PROTECTED;
-        cf.dwEffects = CFE_PROTECTED;
+        cf.dwMask = mask;
+        cf.dwEffects = effects;
+        cf.crTextColor = colour;
         ctrl.SetSelectionCharFormat(cf);
     }
 };
 }  // namespace
 
-TEST(RichEditWidget, TextUsesCarriageReturnsAndTheWindowTextCrLf) {
-    Control c;
-    c.ctrl.SetWindowText("eins\r\nzwei\ndrei");
+TEST(RichEditWidget, TextLinesAndSelection) {
+    Control c("eins\r\nzwei\ndrei");
     EXPECT_EQ(c.widget->Text(), "eins\rzwei\rdrei");
     EXPECT_EQ(c.ctrl.GetTextLength(), 14);
     EXPECT_EQ(c.ctrl.GetWindowText(), "eins\r\nzwei\r\ndrei");
-    EXPECT_EQ(c.ctrl.GetLineCount(), 3);
-    EXPECT_EQ(c.ctrl.LineIndex(1), 5);
-    EXPECT_EQ(c.ctrl.LineIndex(3), -1);
-    EXPECT_EQ(c.ctrl.LineFromChar(4), 0);
-    EXPECT_EQ(c.ctrl.LineFromChar(5), 1);
-    EXPECT_EQ(c.ctrl.LineFromChar(999), 2);
-    // The length of the line that holds the character index.
-    EXPECT_EQ(c.ctrl.LineLength(7), 4);
-    EXPECT_EQ(c.ctrl.LineLength(14), 4);
+    // Line index of line 1 and 3, line of characters 4, 5 and 999, length of
+    // the line that holds characters 7 and 14.
+    const std::vector<long> lines{c.ctrl.GetLineCount(),  c.ctrl.LineIndex(1),    c.ctrl.LineIndex(3),
+                                  c.ctrl.LineFromChar(4), c.ctrl.LineFromChar(5), c.ctrl.LineFromChar(999),
+                                  c.ctrl.LineLength(7),   c.ctrl.LineLength(14)};
+    EXPECT_EQ(lines, (std::vector<long>{3, 5, -1, 0, 1, 2, 4, 4}));
     c.ctrl.SetSel(2, 7);
     EXPECT_EQ(c.ctrl.LineLength(-1), 4);  // "ei" and "ei" stay unselected
     EXPECT_EQ(c.ctrl.LineIndex(-1), 0);
-
     c.ctrl.SetWindowText("a\r");
     EXPECT_EQ(c.ctrl.GetLineCount(), 2);
     c.ctrl.SetWindowText("");
     EXPECT_EQ(c.ctrl.GetLineCount(), 1);
     EXPECT_EQ(c.ctrl.LineLength(0), 0);
-}
 
-TEST(RichEditWidget, SelectionIsClampedAndSelectAllWorks) {
-    Control c;
+    // The selection is ordered and clamped; -1 selects all.
     c.ctrl.SetWindowText("Hallo");
     c.ctrl.SetSel(0, -1);
     EXPECT_EQ(c.ctrl.GetSelText(), "Hallo");
     c.ctrl.SetSel(4, 1);
-    long s, e;
-    c.ctrl.GetSel(s, e);
-    EXPECT_EQ(s, 1);
-    EXPECT_EQ(e, 4);
+    EXPECT_EQ(SelOf(c.ctrl), std::make_pair(1L, 4L));
     c.ctrl.SetSel(3, 99);
     char buffer[8];
     EXPECT_EQ(c.ctrl.GetSelText(buffer), 2);
     EXPECT_STREQ(buffer, "lo");
     c.ctrl.SetSel(-1, 0);  // drops the selection, the caret stays at its end
-    c.ctrl.GetSel(s, e);
-    EXPECT_EQ(s, 5);
-    EXPECT_EQ(e, 5);
+    EXPECT_EQ(SelOf(c.ctrl), std::make_pair(5L, 5L));
 }
 
 TEST(RichEditWidget, NotificationsComeInTheOrderOfTheRichEditControl) {
-    Control c;
-    c.ctrl.SetWindowText("abcdef");
-    c.Protect(2, 4);
+    Control c("abcdef");
+    c.Format(2, 4, CFM_PROTECTED, CFE_PROTECTED);
     c.ctrl.SetSel(3, 3);
     c.ctrl.log.clear();
     c.widget->UserTypes("x");
-    EXPECT_EQ(c.ctrl.log, (std::vector<std::string>{"protected 258 3-3", "change", "sel 4-4"}));
+    EXPECT_EQ(c.ctrl.log, (Log{"protected 258 3-3", "change", "sel 4-4"}));
     EXPECT_EQ(c.widget->Text(), "abcxdef");
     EXPECT_TRUE(c.widget->CharFormatAt(3).dwEffects & CFE_PROTECTED);
 
@@ -108,14 +100,14 @@ TEST(RichEditWidget, NotificationsComeInTheOrderOfTheRichEditControl) {
     c.ctrl.SetSel(0, 0);
     c.ctrl.log.clear();
     c.widget->UserTypes("y");
-    EXPECT_EQ(c.ctrl.log, (std::vector<std::string>{"change", "sel 1-1"}));
+    EXPECT_EQ(c.ctrl.log, (Log{"change", "sel 1-1"}));
 
     // A refused change does not happen.
     c.ctrl.protectedAnswer = 1;
     c.ctrl.SetSel(3, 5);
     c.ctrl.log.clear();
     c.widget->UserPressesKey(VK_DELETE);
-    EXPECT_EQ(c.ctrl.log, (std::vector<std::string>{"protected 256 3-5"}));
+    EXPECT_EQ(c.ctrl.log, (Log{"protected 256 3-5"}));
     EXPECT_EQ(c.widget->Text(), "yabcxdef");
 
     // The event mask filters what reaches the message map.
@@ -123,40 +115,41 @@ TEST(RichEditWidget, NotificationsComeInTheOrderOfTheRichEditControl) {
     c.ctrl.SetEventMask(ENM_CHANGE);
     c.ctrl.log.clear();
     c.widget->UserPressesKey(VK_BACK);
-    EXPECT_EQ(c.ctrl.log, (std::vector<std::string>{"change"}));
+    EXPECT_EQ(c.ctrl.log, (Log{"change"}));
     EXPECT_EQ(c.widget->Text(), "yabdef");
+
+    // A drag is one change, announced as a cut and a paste.
+    c.ctrl.SetEventMask(ENM_CHANGE | ENM_SELCHANGE | ENM_PROTECTED);
+    c.ctrl.SetWindowText("0123456789");
+    c.Format(0, 10, CFM_PROTECTED, CFE_PROTECTED);
+    c.ctrl.SetSel(1, 3);
+    c.ctrl.log.clear();
+    c.widget->UserDragsSelection(8);
+    EXPECT_EQ(c.widget->Text(), "0345671289");
+    EXPECT_EQ(c.ctrl.log, (Log{"protected 768 1-3", "protected 770 8-8", "change", "sel 6-8"}));
+    c.widget->UserUndoes();
+    EXPECT_EQ(c.widget->Text(), "0123456789");
 }
 
 TEST(RichEditWidget, FormatsOfTheSelectionAndOfInsertedText) {
-    Control c;
-    c.ctrl.SetWindowText("abc");
-    CHARFORMAT red;
-    red.dwMask = CFM_COLOR | CFM_BOLD;
-    red.crTextColor = RGB(255, 0, 0);
-    red.dwEffects = CFE_BOLD;
-    c.ctrl.SetSel(1, 2);
-    EXPECT_TRUE(c.ctrl.SetSelectionCharFormat(red));
+    Control c("abc");
+    c.Format(1, 2, CFM_COLOR | CFM_BOLD, CFE_BOLD, RGB(255, 0, 0));
     EXPECT_EQ(c.widget->CharFormatAt(1).crTextColor, 0x0000FFu);
     EXPECT_EQ(c.widget->CharFormatAt(0).crTextColor, 0u);
 
+    // Only what the whole selection shares is in the mask.
     CHARFORMAT seen;
     c.ctrl.SetSel(0, 3);
     const DWORD same = c.ctrl.GetSelectionCharFormat(seen);
-    EXPECT_FALSE(same & CFM_COLOR);
-    EXPECT_FALSE(same & CFM_BOLD);
-    EXPECT_TRUE(same & CFM_FACE);
+    EXPECT_EQ(same & (CFM_COLOR | CFM_BOLD | CFM_FACE), static_cast<DWORD>(CFM_FACE));
     EXPECT_STREQ(seen.szFaceName, "Arial");
 
-    // Typed text takes the format of the character before the caret.
+    // Typed text takes the format of the character before the caret; a format
+    // set on an empty selection waits for the next insertion.
     c.ctrl.SetSel(2, 2);
     c.widget->UserTypes("Z");
     EXPECT_EQ(c.widget->CharFormatAt(2).crTextColor, 0x0000FFu);
-    // A format set on an empty selection waits for the next insertion.
-    CHARFORMAT blue;
-    blue.dwMask = CFM_COLOR;
-    blue.crTextColor = RGB(0, 0, 255);
-    c.ctrl.SetSel(0, 0);
-    c.ctrl.SetSelectionCharFormat(blue);
+    c.Format(0, 0, CFM_COLOR, 0, RGB(0, 0, 255));
     c.widget->UserTypes("Q");
     EXPECT_EQ(c.widget->CharFormatAt(0).crTextColor, RGB(0, 0, 255));
     EXPECT_EQ(c.widget->Text(), "QabZc");
@@ -166,7 +159,7 @@ TEST(RichEditWidget, FormatsOfTheSelectionAndOfInsertedText) {
     face.dwMask = CFM_FACE;
     std::memset(face.szFaceName, 'F', sizeof face.szFaceName);
     c.ctrl.SetSel(0, 1);
-    c.ctrl.SetSelectionCharFormat(face);
+    EXPECT_TRUE(c.ctrl.SetSelectionCharFormat(face));
     EXPECT_EQ(std::string(c.widget->CharFormatAt(0).szFaceName), std::string(LF_FACESIZE - 1, 'F'));
 }
 
@@ -183,18 +176,16 @@ TEST(RichEditWidget, UndoJoinsTypingAndKnowsReplacementsWithoutUndo) {
     c.ctrl.ReplaceSel("xyz", FALSE);  // another length: older steps would no longer fit
     EXPECT_FALSE(c.ctrl.CanUndo());
     c.ctrl.ReplaceSel("!", TRUE);
-    EXPECT_TRUE(c.ctrl.CanUndo());
     EXPECT_TRUE(c.ctrl.Undo());
     EXPECT_EQ(c.widget->Text(), "xyzbc\r");
     EXPECT_FALSE(c.ctrl.Undo());
-
+    c.ctrl.ReplaceSel("!", TRUE);
     c.ctrl.SetWindowText("neu");
     EXPECT_FALSE(c.ctrl.CanUndo());
 }
 
-TEST(RichEditWidget, ClipboardCutCopyPasteAndDelete) {
-    Control c;
-    c.ctrl.SetWindowText("eins\rzwei");
+TEST(RichEditWidget, ClipboardKeysAndReadOnly) {
+    Control c("eins\rzwei");
     c.ctrl.SetSel(2, 7);
     c.widget->UserCopies();
     EXPECT_EQ(GetClipboard().GetText(), "ns\r\nzw");
@@ -209,58 +200,34 @@ TEST(RichEditWidget, ClipboardCutCopyPasteAndDelete) {
     EXPECT_EQ(c.widget->Text(), "ieins\rz");
     c.widget->UserPressesKey('Z', true);
     EXPECT_EQ(c.widget->Text(), "eieins\rz");
-
-    // An empty selection copies nothing.
     c.ctrl.SetSel(1, 1);
-    c.ctrl.Copy();
+    c.ctrl.Copy();  // an empty selection copies nothing
     EXPECT_EQ(GetClipboard().GetText(), "ns\r\nzw");
-}
 
-TEST(RichEditWidget, ReadOnlyRefusesTheUserButNotTheProgram) {
-    Control c;
+    // Keys move the caret and give their characters.
+    c.ctrl.SetWindowText("ab\rcdef");
+    c.ctrl.SetSel(1, 1);
+    c.widget->UserPressesKey(VK_DOWN);
+    EXPECT_EQ(SelOf(c.ctrl), std::make_pair(4L, 4L));
+    c.widget->UserPressesKey(VK_END, false, true);
+    EXPECT_EQ(SelOf(c.ctrl), std::make_pair(4L, 7L));
+    c.widget->UserPressesKey(VK_HOME);
+    c.widget->UserPressesKey('A');
+    EXPECT_EQ(c.widget->Text(), "ab\racdef");
+    EXPECT_EQ(c.ctrl.GetKeyState(VK_CONTROL), 0);
+
+    // Read-only text refuses the user (typing: see the text dialog) but not the program.
     c.ctrl.SetWindowText("fest");
     c.ctrl.SetReadOnly(TRUE);
     c.ctrl.SetSel(0, 4);
-    c.widget->UserTypes("x");
     c.widget->UserCuts();
+    c.widget->UserPastes();
     c.widget->UserPressesKey(VK_DELETE);
     EXPECT_EQ(c.widget->Text(), "fest");
     c.widget->UserCopies();
     EXPECT_EQ(GetClipboard().GetText(), "fest");
     c.ctrl.ReplaceSel("FEST");
     EXPECT_EQ(c.widget->Text(), "FEST");
-}
-
-TEST(RichEditWidget, KeysMoveTheCaretAndGiveTheirCharacters) {
-    Control c;
-    c.ctrl.SetWindowText("ab\rcdef");
-    c.ctrl.SetSel(1, 1);
-    c.widget->UserPressesKey(VK_DOWN);
-    long s, e;
-    c.ctrl.GetSel(s, e);
-    EXPECT_EQ(s, 4);
-    c.widget->UserPressesKey(VK_END, false, true);
-    c.ctrl.GetSel(s, e);
-    EXPECT_EQ(s, 4);
-    EXPECT_EQ(e, 7);
-    c.widget->UserPressesKey(VK_HOME);
-    c.widget->UserPressesKey('8', false, true);  // "(" on a German keyboard
-    c.widget->UserPressesKey('A');
-    EXPECT_EQ(c.widget->Text(), "ab\r(acdef");
-    EXPECT_EQ(c.ctrl.GetKeyState(VK_CONTROL), 0);
-}
-
-TEST(RichEditWidget, ADragMovesTextAsOneChangeAnnouncedAsCutAndPaste) {
-    Control c;
-    c.ctrl.SetWindowText("0123456789");
-    c.Protect(0, 10);
-    c.ctrl.SetSel(1, 3);
-    c.ctrl.log.clear();
-    c.widget->UserDragsSelection(8);
-    EXPECT_EQ(c.widget->Text(), "0345671289");
-    EXPECT_EQ(c.ctrl.log, (std::vector<std::string>{"protected 768 1-3", "protected 770 8-8", "change", "sel 6-8"}));
-    c.widget->UserUndoes();
-    EXPECT_EQ(c.widget->Text(), "0123456789");
 }
 
 TEST(RichEditWidget, AControlWithoutWidgetIsHarmless) {
@@ -281,12 +248,10 @@ TEST(RichEditWidget, AControlWithoutWidgetIsHarmless) {
     EXPECT_TRUE(ctrl.IsWindow());
     delete widget;
     EXPECT_FALSE(ctrl.IsWindow());
-}
 
-TEST(RichEditWidget, AFailingFactoryMakesCreateFail) {
+    // A factory that makes no widget makes Create fail.
     const RichEditWidgetFactory previous =
         SetRichEditWidgetFactory([](CWnd*, int) { return std::unique_ptr<CRichEditWidget>(); });
-    CRichEditCtrl ctrl;
     EXPECT_FALSE(ctrl.Create());
     SetRichEditWidgetFactory(previous);
     EXPECT_TRUE(ctrl.Create());
