@@ -139,13 +139,8 @@ void CMemoryRichEdit::HideSelection(bool hide, bool) { state->selectionHidden = 
 // --- editing -----------------------------------------------------------------
 
 bool CMemoryRichEdit::AskProtected(UINT message, WPARAM wParam, int start, int end) {
-    if (!state->RangeIsProtected(start, end)) return true;
-    ENPROTECTED info;
-    info.msg = message;
-    info.wParam = wParam;
-    info.chrg.cpMin = start;
-    info.chrg.cpMax = end;
-    return NotifyOwner(EN_PROTECTED, &info.nmhdr) == 0;
+    return !state->RangeIsProtected(start, end) ||
+           OwnerAllowsProtectedChange(message, wParam, start, end);
 }
 
 void CMemoryRichEdit::NotifyChanged() {

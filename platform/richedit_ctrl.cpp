@@ -78,6 +78,15 @@ LRESULT CRichEditWidget::NotifyOwner(UINT code, NMHDR* info) {
     return owner->ReflectNotification(code, info);
 }
 
+bool CRichEditWidget::OwnerAllowsProtectedChange(UINT message, WPARAM wParam, int start, int end) {
+    ENPROTECTED info;
+    info.msg = message;
+    info.wParam = wParam;
+    info.chrg.cpMin = start;
+    info.chrg.cpMax = end;
+    return NotifyOwner(EN_PROTECTED, &info.nmhdr) == 0;
+}
+
 RichEditWidgetFactory SetRichEditWidgetFactory(RichEditWidgetFactory factory) {
     RichEditWidgetFactory previous = widgetFactory;
     widgetFactory = factory ? factory : MakeMemoryWidget;

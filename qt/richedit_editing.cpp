@@ -47,13 +47,8 @@ void RecordUndo(std::deque<UndoStep>& undo, const QTextCursor& range, int insert
 }  // namespace
 
 bool CQtRichEditWidget::AskProtected(UINT message, WPARAM wParam, int start, int end) {
-    if (!state->RangeIsProtected(start, end)) return true;
-    ENPROTECTED info;
-    info.msg = message;
-    info.wParam = wParam;
-    info.chrg.cpMin = start;
-    info.chrg.cpMax = end;
-    return NotifyOwner(EN_PROTECTED, &info.nmhdr) == 0;
+    return !state->RangeIsProtected(start, end) ||
+           OwnerAllowsProtectedChange(message, wParam, start, end);
 }
 
 void CQtRichEditWidget::NotifyChanged() {

@@ -236,6 +236,9 @@ protected:
     LRESULT SendToOwner(UINT message, WPARAM wParam, LPARAM lParam);
     // A notification for the owner; 0 without an owner.
     LRESULT NotifyOwner(UINT code, NMHDR* info);
+    // The protected-text notice for a change of [start, end) by `message`;
+    // true when the owner lets it happen.
+    bool OwnerAllowsProtectedChange(UINT message, WPARAM wParam, int start, int end);
 
 private:
     CRichEditCtrl* owner = nullptr;
