@@ -1,6 +1,10 @@
 // Fast paths of the dispatch loop: integer and double cells are handled in
 // place, without the temporaries of the VALUE operators; every other pair of
 // tags falls back to those operators, which define the results.
+//
+// The Try forms call nothing: they return false, with nothing changed, when
+// the tags need the operators or a text would have to be released. The loop
+// that runs without calls uses them; the forms without Try complete them.
 #pragma once
 
 #include <cmath>
@@ -20,91 +24,103 @@ inline double NumberOf(const VALUE& v) {
     return v.type == tagInteger ? static_cast<double>(v.intValue) : v.doubleValue;
 }
 
-inline void SetInt(VALUE& cell, int number) {
-    if (cell.type == tagString) {
-        cell = number;
-        return;
-    }
+inline bool TrySetInt(VALUE& cell, int number) {
+    if (cell.type == tagString) return false;
     cell.type = tagInteger;
     cell.intValue = number;
+    return true;
+}
+
+inline bool TrySetDouble(VALUE& cell, double number) {
+    if (cell.type == tagString) return false;
+    cell.type = tagDouble;
+    cell.doubleValue = number;
+    return true;
+}
+
+inline void SetInt(VALUE& cell, int number) {
+    if (!TrySetInt(cell, number)) cell = number;
 }
 
 inline void SetDouble(VALUE& cell, double number) {
-    if (cell.type == tagString) {
-        cell = number;
-        return;
-    }
-    cell.type = tagDouble;
-    cell.doubleValue = number;
+    if (!TrySetDouble(cell, number)) cell = number;
 }
 
 // Cell assignment; a text is copied only where one is involved.
-inline void Assign(VALUE& target, const VALUE& source) {
-    if (target.type != tagString) {
-        if (source.type == tagInteger) {
-            target.type = tagInteger;
-            target.intValue = source.intValue;
-            return;
-        }
-        if (source.type == tagDouble) {
-            target.type = tagDouble;
-            target.doubleValue = source.doubleValue;
-            return;
-        }
+inline bool TryAssign(VALUE& target, const VALUE& source) {
+    if (target.type == tagString) return false;
+    if (source.type == tagInteger) [[likely]] {
+        target.type = tagInteger;
+        target.intValue = source.intValue;
+        return true;
     }
-    target = source;
+    if (source.type == tagDouble) {
+        target.type = tagDouble;
+        target.doubleValue = source.doubleValue;
+        return true;
+    }
+    return false;
+}
+
+inline void Assign(VALUE& target, const VALUE& source) {
+    if (!TryAssign(target, source)) target = source;
 }
 
 // Truth of JPC and NOT: equal to 0 within the tolerance of the = operator.
+inline bool NumberIsZero(const VALUE& number) {
+    return number.type == tagInteger ? number.intValue == 0
+                                     : std::fabs(number.doubleValue) <= 0.00001;
+}
+
 inline bool IsZero(const VALUE& v) {
-    if (v.type == tagInteger) return v.intValue == 0;
-    if (v.type == tagDouble) return std::fabs(v.doubleValue) <= 0.00001;
+    if (IsNumber(v)) return NumberIsZero(v);
     return (v == 0).intValue != 0;
 }
 
 // Truth of AND and OR: greater than 0.
+inline bool NumberIsPositive(const VALUE& number) {
+    return number.type == tagInteger ? number.intValue > 0 : number.doubleValue > 0.0;
+}
+
 inline bool IsPositive(const VALUE& v) {
-    if (v.type == tagInteger) return v.intValue > 0;
-    if (v.type == tagDouble) return v.doubleValue > 0.0;
+    if (IsNumber(v)) return NumberIsPositive(v);
     VALUE zero;
     return (v > zero).intValue != 0;
 }
 
+// +, -, * and / on two numbers: integer if both are, else double. The
+// divisor of / has been tested against 0 by the caller.
+#define QEL_TRY_ARITHMETIC(name, integer, op)                                 \
+    inline bool name(VALUE& left, const VALUE& right) {                      \
+        if (left.type == tagInteger && right.type == tagInteger) {            \
+            left.intValue = integer(left.intValue, right.intValue);           \
+        } else if (left.type == tagDouble && right.type == tagDouble) {       \
+            left.doubleValue = left.doubleValue op right.doubleValue;         \
+        } else if (IsNumber(left) && IsNumber(right)) {                       \
+            left.doubleValue = NumberOf(left) op NumberOf(right);             \
+            left.type = tagDouble;                                            \
+        } else {                                                              \
+            return false;                                                     \
+        }                                                                     \
+        return true;                                                          \
+    }
+QEL_TRY_ARITHMETIC(TryAdd, WrapAdd, +)
+QEL_TRY_ARITHMETIC(TrySubtract, WrapSub, -)
+QEL_TRY_ARITHMETIC(TryMultiply, WrapMul, *)
+QEL_TRY_ARITHMETIC(TryDivide, SafeDiv, /)
+#undef QEL_TRY_ARITHMETIC
+
 inline void Add(VALUE& left, const VALUE& right) {
-    if (left.type == tagInteger && right.type == tagInteger)
-        left.intValue = WrapAdd(left.intValue, right.intValue);
-    else if (IsNumber(left) && IsNumber(right))
-        SetDouble(left, NumberOf(left) + NumberOf(right));
-    else
-        left = left + right;
+    if (!TryAdd(left, right)) left = left + right;
 }
-
 inline void Subtract(VALUE& left, const VALUE& right) {
-    if (left.type == tagInteger && right.type == tagInteger)
-        left.intValue = WrapSub(left.intValue, right.intValue);
-    else if (IsNumber(left) && IsNumber(right))
-        SetDouble(left, NumberOf(left) - NumberOf(right));
-    else
-        left = left - right;
+    if (!TrySubtract(left, right)) left = left - right;
 }
-
 inline void Multiply(VALUE& left, const VALUE& right) {
-    if (left.type == tagInteger && right.type == tagInteger)
-        left.intValue = WrapMul(left.intValue, right.intValue);
-    else if (IsNumber(left) && IsNumber(right))
-        SetDouble(left, NumberOf(left) * NumberOf(right));
-    else
-        left = left * right;
+    if (!TryMultiply(left, right)) left = left * right;
 }
-
-// The divisor has been tested against 0 by the caller.
 inline void Divide(VALUE& left, const VALUE& right) {
-    if (left.type == tagInteger && right.type == tagInteger)
-        left.intValue = SafeDiv(left.intValue, right.intValue);
-    else if (IsNumber(left) && IsNumber(right))
-        SetDouble(left, NumberOf(left) / NumberOf(right));
-    else
-        left = left / right;
+    if (!TryDivide(left, right)) left = left / right;
 }
 
 // Relations by the left's tag: an integer left truncates a double right first.
@@ -124,32 +140,128 @@ inline bool CompareNumbers(VALUE& left, const VALUE& right, Relation relation) {
     return true;
 }
 
+inline bool TryLess(VALUE& left, const VALUE& right) {
+    return CompareNumbers(left, right, std::less<>());
+}
+inline bool TryLessEqual(VALUE& left, const VALUE& right) {
+    return CompareNumbers(left, right, std::less_equal<>());
+}
+inline bool TryGreater(VALUE& left, const VALUE& right) {
+    return CompareNumbers(left, right, std::greater<>());
+}
+inline bool TryGreaterEqual(VALUE& left, const VALUE& right) {
+    return CompareNumbers(left, right, std::greater_equal<>());
+}
+
 inline void Less(VALUE& left, const VALUE& right) {
-    if (!CompareNumbers(left, right, std::less<>())) left = left < right;
+    if (!TryLess(left, right)) left = left < right;
 }
 inline void LessEqual(VALUE& left, const VALUE& right) {
-    if (!CompareNumbers(left, right, std::less_equal<>())) left = left <= right;
+    if (!TryLessEqual(left, right)) left = left <= right;
 }
 inline void Greater(VALUE& left, const VALUE& right) {
-    if (!CompareNumbers(left, right, std::greater<>())) left = left > right;
+    if (!TryGreater(left, right)) left = left > right;
 }
 inline void GreaterEqual(VALUE& left, const VALUE& right) {
-    if (!CompareNumbers(left, right, std::greater_equal<>())) left = left >= right;
+    if (!TryGreaterEqual(left, right)) left = left >= right;
 }
+
+inline bool TryEqual(VALUE& left, const VALUE& right, bool negate) {
+    if (!IsNumber(left) || !IsNumber(right)) return false;
+    const bool equal = std::fabs(NumberOf(left) - NumberOf(right)) <= 0.00001;
+    left.type = tagInteger;
+    left.intValue = equal != negate ? 1 : 0;
+    return true;
+}
+inline bool TryEqual(VALUE& left, const VALUE& right) { return TryEqual(left, right, false); }
+inline bool TryNotEqual(VALUE& left, const VALUE& right) { return TryEqual(left, right, true); }
 
 inline void Equal(VALUE& left, const VALUE& right, bool negate) {
-    bool equal;
-    if (IsNumber(left) && IsNumber(right))
-        equal = std::fabs(NumberOf(left) - NumberOf(right)) <= 0.00001;
-    else
-        equal = (left == right).intValue != 0;
+    if (TryEqual(left, right, negate)) return;
+    const bool equal = (left == right).intValue != 0;
     SetInt(left, equal != negate ? 1 : 0);
 }
+inline void Equal(VALUE& left, const VALUE& right) { Equal(left, right, false); }
+inline void NotEqual(VALUE& left, const VALUE& right) { Equal(left, right, true); }
 
-inline void Negate(VALUE& cell) {
+// The compiler casts both operands to integer first, so the tags are not looked at.
+inline bool TryBitOr(VALUE& left, const VALUE& right) {
+    return TrySetInt(left, left.intValue | right.intValue);
+}
+inline bool TryBitAnd(VALUE& left, const VALUE& right) {
+    return TrySetInt(left, left.intValue & right.intValue);
+}
+inline void BitOr(VALUE& left, const VALUE& right) {
+    SetInt(left, left.intValue | right.intValue);
+}
+inline void BitAnd(VALUE& left, const VALUE& right) {
+    SetInt(left, left.intValue & right.intValue);
+}
+
+inline bool TryOr(VALUE& left, const VALUE& right) {
+    if (!IsNumber(left) || !IsNumber(right)) return false;
+    return TrySetInt(left, (NumberIsPositive(left) || NumberIsPositive(right)) ? 1 : 0);
+}
+inline bool TryAnd(VALUE& left, const VALUE& right) {
+    if (!IsNumber(left) || !IsNumber(right)) return false;
+    return TrySetInt(left, (NumberIsPositive(left) && NumberIsPositive(right)) ? 1 : 0);
+}
+inline void Or(VALUE& left, const VALUE& right) {
+    SetInt(left, (IsPositive(left) || IsPositive(right)) ? 1 : 0);
+}
+inline void And(VALUE& left, const VALUE& right) {
+    SetInt(left, (IsPositive(left) && IsPositive(right)) ? 1 : 0);
+}
+
+// Operations on one cell.
+inline bool TryNegate(VALUE& cell) {
     if (cell.type == tagInteger) cell.intValue = WrapNeg(cell.intValue);
     else if (cell.type == tagDouble) cell.doubleValue = -cell.doubleValue;
-    else cell = -cell;
+    else return false;
+    return true;
 }
+inline void Negate(VALUE& cell) {
+    if (!TryNegate(cell)) cell = -cell;
+}
+
+inline bool TryStep(VALUE& cell, int by) {
+    if (cell.type == tagInteger) cell.intValue = WrapAdd(cell.intValue, by);
+    else if (cell.type == tagDouble) cell.doubleValue += by;
+    else return false;
+    return true;
+}
+inline bool TryIncrement(VALUE& cell) { return TryStep(cell, 1); }
+inline bool TryDecrement(VALUE& cell) { return TryStep(cell, -1); }
+inline void Increment(VALUE& cell) {
+    if (!TryIncrement(cell)) ++cell;
+}
+inline void Decrement(VALUE& cell) {
+    if (!TryDecrement(cell)) --cell;
+}
+
+inline bool TryIntCast(VALUE& cell) {
+    if (cell.type == tagDouble) return TrySetInt(cell, DoubleToInt(cell.doubleValue));
+    return cell.type == tagInteger;
+}
+inline void IntCast(VALUE& cell) {
+    if (!TryIntCast(cell)) SetInt(cell, static_cast<int>(cell));
+}
+
+inline bool TryDoubleCast(VALUE& cell) {
+    if (cell.type == tagInteger) return TrySetDouble(cell, cell.intValue);
+    return cell.type == tagDouble;
+}
+inline void DoubleCast(VALUE& cell) {
+    if (!TryDoubleCast(cell)) SetDouble(cell, static_cast<double>(cell));
+}
+
+inline bool TryBitNot(VALUE& cell) { return TrySetInt(cell, ~cell.intValue); }
+inline void BitNot(VALUE& cell) { SetInt(cell, ~cell.intValue); }
+
+inline bool TryNot(VALUE& cell) {
+    if (!IsNumber(cell)) return false;
+    return TrySetInt(cell, NumberIsZero(cell) ? 1 : 0);
+}
+inline void Not(VALUE& cell) { SetInt(cell, IsZero(cell) ? 1 : 0); }
 
 }  // namespace qelkern

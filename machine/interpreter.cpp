@@ -1,5 +1,6 @@
 #include <cstdint>
 #include <new>
+#include <vector>
 
 #include "machine/cell_ops.h"
 #include "machine/host_calls.h"
@@ -29,7 +30,10 @@ inline int FollowLinks(const VALUE* stack, int capacity, int frame, int levels) 
     return frame;
 }
 
-inline bool IsCell(int64_t index, int capacity) { return index >= 0 && index < capacity; }
+// A capacity is never negative, so one unsigned comparison does.
+inline bool IsCell(int64_t index, int capacity) {
+    return static_cast<uint64_t>(index) < static_cast<uint64_t>(capacity);
+}
 
 // Jump targets beyond int still end the run or fail the address test.
 inline int ToAddress(intptr_t a) {
@@ -100,199 +104,646 @@ bool Grow(CInterpreter& m, int p, int b, int t, int64_t n) {
     return m.TesteStack(n > m.stackLimit ? m.stackLimit : static_cast<int>(n)) != 0;
 }
 
-// Binary OPR on cells t - 1 and t; the result goes to t - 1. Returns the
-// message of a run-time error, or null.
-[[gnu::always_inline]] inline const char* Binary(intptr_t operation, VALUE* s, int& t) {
-    if (t < 1) return underflowMessage;
-    VALUE& right = s[t];
-    VALUE& left = s[--t];
+// What the dispatch loop runs: each instruction decoded once per run, with
+// every OPR sub-operation and the common operand forms as an operation of its
+// own, so that one switch dispatches everything and a step fits 16 bytes.
+enum class Op : uint8_t {
+    LitInt,
+    LitDouble,
+    LitValue,
+    Load,            // l 0 or below, a 0 or above: a variable of the current frame
+    LoadParameter,   // l 0 or below, a below 0
+    LoadOuter,       // l above 0: static links to follow first
+    Store,
+    StoreParameter,
+    StoreOuter,
+    Call,
+    Enter,  // INT
+    Jump,
+    JumpIfZero,
+    LoadIndexed,
+    StoreIndexed,
+    Swap,
+    External,
+    Return,
+    Negate,
+    Plus,
+    Minus,
+    Times,
+    Divide,
+    Equal,
+    NotEqual,
+    Less,
+    GreaterEqual,
+    Greater,
+    LessEqual,
+    ReadInt,
+    Write,
+    Decrement,
+    Increment,
+    IntCast,
+    DoubleCast,
+    ReadDouble,
+    BitOr,
+    BitAnd,
+    BitNot,
+    Or,
+    And,
+    Not,
+    Nothing,    // an opcode or sub-operation that does not exist
+    OutOfCode,  // a: an address outside the decoded code, see LeaveCode
+};
+
+struct Step {
+    Op op;
+    int l;
+    union {
+        intptr_t a;              // offset or count
+        const Step* to;          // where a jump or CALL goes
+        int number;              // LitInt
+        double real;             // LitDouble
+        const VALUE* literal;    // LitValue
+        const Instruction* ins;  // the operations that need the comment or the callback
+    };
+};
+static_assert(sizeof(Step) <= 16);
+
+Op OperationStep(intptr_t operation) {
     switch (operation) {
-        case oprPlus: Add(left, right); break;
-        case oprMinus: Subtract(left, right); break;
-        case oprTimes: Multiply(left, right); break;
-        case oprDivide:
-            if (IsZero(right)) return "Division durch Null";
-            Divide(left, right);
-            break;
-        case oprEqual: Equal(left, right, false); break;
-        case oprNotEqual: Equal(left, right, true); break;
-        case oprLess: Less(left, right); break;
-        case oprGreaterEqual: GreaterEqual(left, right); break;
-        case oprGreater: Greater(left, right); break;
-        case oprLessEqual: LessEqual(left, right); break;
-        case oprBitOr: SetInt(left, left.intValue | right.intValue); break;
-        case oprBitAnd: SetInt(left, left.intValue & right.intValue); break;
-        case oprOr: SetInt(left, (IsPositive(left) || IsPositive(right)) ? 1 : 0); break;
-        case oprAnd: SetInt(left, (IsPositive(left) && IsPositive(right)) ? 1 : 0); break;
-        default: break;
+        case oprRet: return Op::Return;
+        case oprNegate: return Op::Negate;
+        case oprPlus: return Op::Plus;
+        case oprMinus: return Op::Minus;
+        case oprTimes: return Op::Times;
+        case oprDivide: return Op::Divide;
+        case oprEqual: return Op::Equal;
+        case oprNotEqual: return Op::NotEqual;
+        case oprLess: return Op::Less;
+        case oprGreaterEqual: return Op::GreaterEqual;
+        case oprGreater: return Op::Greater;
+        case oprLessEqual: return Op::LessEqual;
+        case oprReadInt: return Op::ReadInt;
+        case oprWrite: return Op::Write;
+        case oprDecrement: return Op::Decrement;
+        case oprIncrement: return Op::Increment;
+        case oprIntCast: return Op::IntCast;
+        case oprDoubleCast: return Op::DoubleCast;
+        case oprReadDouble: return Op::ReadDouble;
+        case oprBitOr: return Op::BitOr;
+        case oprBitAnd: return Op::BitAnd;
+        case oprBitNot: return Op::BitNot;
+        case oprOr: return Op::Or;
+        case oprAnd: return Op::And;
+        case oprNot: return Op::Not;
+        default: return Op::Nothing;
     }
-    return nullptr;
 }
 
-// OPR sub-operations on cell t alone. false: not one of them.
-[[gnu::always_inline]] inline bool Unary(intptr_t operation, VALUE& top) {
-    switch (operation) {
-        case oprNegate: Negate(top); return true;
-        case oprDecrement:
-            if (top.type == tagInteger) top.intValue = WrapSub(top.intValue, 1);
-            else --top;
-            return true;
-        case oprIncrement:
-            if (top.type == tagInteger) top.intValue = WrapAdd(top.intValue, 1);
-            else ++top;
-            return true;
-        case oprIntCast:
-            if (top.type != tagInteger) SetInt(top, static_cast<int>(top));
-            return true;
-        case oprDoubleCast:
-            if (top.type != tagDouble) SetDouble(top, static_cast<double>(top));
-            return true;
-        case oprBitNot: SetInt(top, ~top.intValue); return true;
-        case oprNot: SetInt(top, IsZero(top) ? 1 : 0); return true;
-        default: return false;
-    }
+// The code that Decode looks at: up to the last slot that is not a LIT of an
+// untagged value. The generator fills the store from address 0, and behind
+// the code it holds default instructions, such LITs, which LeaveCode carries
+// out without their being decoded. Address 0 always runs, whatever it holds.
+int UsedLength(const CInterpreter& m) {
+    int length = m.codeCapacity;
+    while (length > 1 && m.code[length - 1].f == LIT && m.code[length - 1].value.type == 0)
+        --length;
+    return length;
 }
 
-// The dispatch loop. p, b, t, the stack pointer and its capacity live in
-// locals; they are written back to the interpreter before anything that can
-// observe them: err, callbacks, dialogs, stack growth and the end of the run.
-void Run(CInterpreter& m) {
-    const Instruction* const code = m.code;
-    const unsigned codeCapacity = static_cast<unsigned>(m.codeCapacity);
-    VALUE* s = m.stack;
-    int capacity = m.stackCapacity;
-    int p = 0, b = 1, t = 0;
-#define QEL_FAIL(text)              \
-    do {                            \
-        Fail(m, p, b, t, (text));   \
-        return;                     \
-    } while (0)
-#define QEL_SYNC() (m.p = p, m.b = b, m.t = t)
-
-    for (;;) {
-        if (static_cast<unsigned>(t) > static_cast<unsigned>(capacity - stackReserve)) {
-            if (t < 0) QEL_FAIL(underflowMessage);
-            if (!Grow(m, p, b, t, 0)) return;
-            s = m.stack;
-            capacity = m.stackCapacity;
-        }
-        if (static_cast<unsigned>(p) >= codeCapacity) QEL_FAIL(AddressMessage(p));
-        const Instruction& ins = code[p++];
+// Steps 0 to length - 1 stand for the instructions at the same addresses.
+// Step `length` and those behind it are OutOfCode steps: the first is reached
+// by running off the end, the others by jumps that leave the code. So the
+// loop never tests an address; it is looked at only when such a step is
+// reached, where the machine would look at it.
+std::vector<Step> Decode(const Instruction* code, int length) {
+    std::vector<Step> steps(static_cast<size_t>(length) + 1);
+    std::vector<std::pair<size_t, intptr_t>> jumps;  // step, index of its target
+    auto target = [&](intptr_t a) -> intptr_t {
+        const int address = ToAddress(a);
+        if (address > 0 && address < length) return address;
+        Step leave{};
+        leave.op = Op::OutOfCode;
+        leave.a = address;
+        steps.push_back(leave);
+        return static_cast<intptr_t>(steps.size() - 1);
+    };
+    for (int at = 0; at < length; ++at) {
+        const Instruction& ins = code[at];
+        Step step{};
+        step.l = ins.l;
+        step.a = ins.a;
         switch (ins.f) {
-            case LIT: Assign(s[++t], ins.value); break;
-            case OPR: {
-                const intptr_t operation = ins.a;
-                if (Unary(operation, s[t])) break;
-                if (operation >= oprPlus && operation <= oprAnd && operation != oprReadInt &&
-                    operation != oprWrite && operation != oprReadDouble) {
-                    if (const char* error = Binary(operation, s, t)) QEL_FAIL(error);
-                    break;
-                }
-                switch (operation) {
-                    case oprRet:
-                        if (b < 1) QEL_FAIL(underflowMessage);
-                        if (static_cast<int64_t>(b) + 2 >= capacity)
-                            QEL_FAIL(CellMessage(static_cast<int64_t>(b) + 2));
-                        t = b - 1;
-                        p = s[t + 3].intValue;
-                        b = s[t + 2].intValue;
-                        break;
-                    case oprReadInt:
-                        QEL_SYNC();
-                        SetInt(s[t + 1], AskForNumber(ins, true));
-                        ++t;
-                        break;
-                    case oprReadDouble:
-                        QEL_SYNC();
-                        SetDouble(s[t + 1], AskForNumber(ins, false));
-                        ++t;
-                        break;
-                    case oprWrite:
-                        QEL_SYNC();
-                        ShowNumber(ins, s[t]);
-                        --t;
-                        break;
-                    default: break;  // no such operation: nothing happens
-                }
-                break;
-            }
-            case LOD: {
-                int64_t cell = DataCell(s, capacity, b, ins.l, ins.a);
-                if (!IsCell(cell, capacity)) QEL_FAIL(CellError(cell));
-                Assign(s[++t], s[cell]);
-                break;
-            }
-            case STO: {
-                int64_t cell = DataCell(s, capacity, b, ins.l, ins.a);
-                if (!IsCell(cell, capacity)) QEL_FAIL(CellError(cell));
-                Assign(s[cell], s[t]);
-                --t;
-                break;
-            }
-            case CALL: {
-                int frame = ins.l == 0 ? b : FollowLinks(s, capacity, b, ins.l);
-                if (frame < 0) QEL_FAIL(linkMessage);
-                SetInt(s[t + 1], frame);
-                SetInt(s[t + 2], b);
-                SetInt(s[t + 3], p);
-                b = t + 1;
-                p = ToAddress(ins.a);
-                break;
-            }
-            case INT: {
-                const intptr_t count = ins.a;
-                if (count > 0 && count > capacity - stackReserve - t) {
-                    if (!Grow(m, p, b, t, count)) return;
-                    s = m.stack;
-                    capacity = m.stackCapacity;
-                }
-                int64_t top = static_cast<int64_t>(t) + count;
-                if (top < 0) QEL_FAIL(underflowMessage);
-                t = static_cast<int>(top);
-                break;
-            }
-            case JMP: p = ToAddress(ins.a); break;
-            case JPC:
-                if (IsZero(s[t])) p = ToAddress(ins.a);
-                --t;
-                break;
-            case LODI:
-            case STOI: {
-                const bool store = ins.f == STOI;
-                if (store && t < 1) QEL_FAIL(underflowMessage);
-                int64_t sizeCell = DataCell(s, capacity, b, ins.l, ins.a);
-                if (!IsCell(sizeCell, capacity)) QEL_FAIL(CellError(sizeCell));
-                int index, size;
-                int64_t cell = ElementCell(s, sizeCell, s[store ? t - 1 : t], index, size);
-                if (cell < 0) QEL_FAIL(ArrayIndexMessage(index, size));
-                if (!IsCell(cell, capacity)) QEL_FAIL(CellMessage(cell));
-                if (store) {
-                    Assign(s[cell], s[t]);
-                    t -= 2;
+            case LIT:
+                if (ins.value.type == tagInteger) {
+                    step.op = Op::LitInt;
+                    step.number = ins.value.intValue;
+                } else if (ins.value.type == tagDouble) {
+                    step.op = Op::LitDouble;
+                    step.real = ins.value.doubleValue;
                 } else {
-                    Assign(s[t], s[cell]);
+                    step.op = Op::LitValue;
+                    step.literal = &ins.value;
                 }
                 break;
-            }
-            case SWAP: {
-                if (t < 1) QEL_FAIL(underflowMessage);
-                VALUE held;
-                held.MoveFrom(s[t]);
-                s[t].MoveFrom(s[t - 1]);
-                s[t - 1].MoveFrom(held);
+            case OPR:
+                step.op = OperationStep(ins.a);
+                step.ins = &ins;
                 break;
-            }
-            case EXTCALL:
-                QEL_SYNC();
-                if (!CallExternalRoutine(m, ins)) return;
+            // A level difference below 0 follows no link, as 0 does.
+            case LOD:
+                step.op = ins.l > 0 ? Op::LoadOuter : ins.a >= 0 ? Op::Load : Op::LoadParameter;
                 break;
-            default: break;  // no such opcode: nothing happens
+            case STO:
+                step.op = ins.l > 0 ? Op::StoreOuter : ins.a >= 0 ? Op::Store : Op::StoreParameter;
+                break;
+            case INT: step.op = Op::Enter; break;
+            case CALL:
+            case JMP:
+            case JPC:
+                step.op = ins.f == CALL ? Op::Call : ins.f == JMP ? Op::Jump : Op::JumpIfZero;
+                jumps.emplace_back(static_cast<size_t>(at), target(ins.a));
+                break;
+            case LODI: step.op = Op::LoadIndexed; break;
+            case STOI: step.op = Op::StoreIndexed; break;
+            case SWAP: step.op = Op::Swap; break;
+            case EXTCALL: step.op = Op::External; step.ins = &ins; break;
+            default: step.op = Op::Nothing; break;
         }
-        if (p <= 0) break;
+        steps[static_cast<size_t>(at)] = step;
     }
-    QEL_SYNC();
+    Step& end = steps[static_cast<size_t>(length)];
+    end.op = Op::OutOfCode;
+    end.a = length;
+    // Only now do the steps stay where they are.
+    for (const auto& [at, to] : jumps) steps[at].to = &steps[static_cast<size_t>(to)];
+    return steps;
+}
+
+// Carries on at an address outside the decoded code, as the machine does
+// there: 0 or below ends the run; the untagged LITs behind the code are
+// pushed one by one, each behind its stack test; the first address past the
+// code store is invalid. Always ends the run.
+void LeaveCode(CInterpreter& m, int p, int b, int t) {
+    m.p = p;
+    m.b = b;
+    m.t = t;
+    if (p <= 0) return;
+    for (;;) {
+        if (m.t > m.stackCapacity - stackReserve && !m.TesteStack(0)) return;
+        if (m.p >= m.codeCapacity) {
+            m.err(AddressMessage(m.p));
+            return;
+        }
+        Assign(m.stack[++m.t], m.code[m.p++].value);
+    }
+}
+
+// The registers of the running machine, in the form the loops use. They are
+// written back to the interpreter before anything that can observe them:
+// err, callbacks, dialogs, stack growth and the end of the run.
+struct Registers {
+    const Step* next;  // the step at address p
+    VALUE* top;        // cell t
+    int b;
+    // Cell b and the number of cells from it to the end of the stack, so that
+    // an offset in the frame takes one comparison; for a b outside the stack
+    // the first cell and 0, and every offset is left to GeneralStep.
+    VALUE* frame;
+    uintptr_t above;
+};
+
+inline void SetFrame(Registers& r, VALUE* s, int capacity) {
+    if (r.b >= 0 && r.b < capacity) {
+        r.frame = s + r.b;
+        r.above = static_cast<uintptr_t>(capacity - r.b);
+    } else {
+        r.frame = s;
+        r.above = 0;
+    }
+}
+
+// Whether cell b + a lies in the stack, for a variable (a 0 or above) and for
+// a parameter (below 0).
+inline bool IsVariable(const Registers& r, intptr_t a) {
+    return static_cast<uintptr_t>(a) < r.above;
+}
+inline bool IsParameter(const Registers& r, intptr_t a) {
+    return r.above != 0 && a >= -static_cast<intptr_t>(r.b);
+}
+
+// The element of LODI and STOI for an integer index inside the array, else null.
+inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
+                             const VALUE& indexCell) {
+    if (indexCell.type != tagInteger) return nullptr;
+    const int64_t sizeCell = DataCell(s, capacity, b, step.l, step.a);
+    if (!IsCell(sizeCell, capacity)) return nullptr;
+    const VALUE& size = s[sizeCell];
+    const int index = indexCell.intValue;
+    if (size.type != tagInteger || index < 0 || index >= size.intValue) return nullptr;
+    const int64_t cell = sizeCell + 1 + index;
+    return IsCell(cell, capacity) ? s + cell : nullptr;
+}
+
+// Runs the steps that need no call, as long as it meets them: numbers in
+// cells, no text to copy or release, nothing to report, no stack to grow.
+// Without a call in it the compiler can keep the registers in machine
+// registers, and this is where a run spends its time. Returns on the first
+// step that needs more, which is left to GeneralStep, or behind a step that
+// pushed into the reserve.
+//
+// At the start of every step the top cell lies between the stack's first
+// cell and `limit`, so that a step may write the three cells above it
+// unchecked. The machine tests the stack before every instruction; only a
+// step that moves the top can break the rule, so the test follows those
+// steps, which is the same moment.
+[[gnu::noinline]] void RunFast(Registers& registers, const Step* steps, int length, VALUE* s,
+                               int capacity) {
+    Registers r = registers;
+    VALUE* const limit = s + (capacity - stackReserve);
+#define QEL_LEAVE() goto leave
+    // Behind a push into the reserve: the stack must grow before the next step.
+#define QEL_PUSHED()       \
+    if (r.top > limit) {   \
+        ++r.next;          \
+        goto leave;        \
+    }
+#define QEL_UNARY(operation) \
+    if (!operation(*r.top)) QEL_LEAVE(); \
+    break
+#define QEL_BINARY(operation)                                     \
+    if (r.top == s || !operation(r.top[-1], r.top[0])) QEL_LEAVE(); \
+    --r.top;                                                      \
+    break
+
+    // A step that goes elsewhere than to the next one continues the loop.
+    for (;;) {
+        const Step& step = *r.next;
+        switch (step.op) {
+            case Op::LitInt:
+                if (!TrySetInt(r.top[1], step.number)) QEL_LEAVE();
+                ++r.top;
+                QEL_PUSHED();
+                break;
+            case Op::LitDouble:
+                if (!TrySetDouble(r.top[1], step.real)) QEL_LEAVE();
+                ++r.top;
+                QEL_PUSHED();
+                break;
+            case Op::Load:
+                if (!IsVariable(r, step.a) || !TryAssign(r.top[1], r.frame[step.a])) QEL_LEAVE();
+                ++r.top;
+                QEL_PUSHED();
+                break;
+            case Op::LoadParameter:
+                if (!IsParameter(r, step.a) || !TryAssign(r.top[1], r.frame[step.a])) QEL_LEAVE();
+                ++r.top;
+                QEL_PUSHED();
+                break;
+            case Op::LoadOuter: {
+                const int64_t cell = DataCell(s, capacity, r.b, step.l, step.a);
+                if (!IsCell(cell, capacity) || !TryAssign(r.top[1], s[cell])) QEL_LEAVE();
+                ++r.top;
+                QEL_PUSHED();
+                break;
+            }
+            case Op::Store:
+                if (!IsVariable(r, step.a) || r.top == s || !TryAssign(r.frame[step.a], *r.top))
+                    QEL_LEAVE();
+                --r.top;
+                break;
+            case Op::StoreParameter:
+                if (!IsParameter(r, step.a) || r.top == s || !TryAssign(r.frame[step.a], *r.top))
+                    QEL_LEAVE();
+                --r.top;
+                break;
+            case Op::StoreOuter: {
+                const int64_t cell = DataCell(s, capacity, r.b, step.l, step.a);
+                if (!IsCell(cell, capacity) || r.top == s || !TryAssign(s[cell], *r.top))
+                    QEL_LEAVE();
+                --r.top;
+                break;
+            }
+            case Op::Call: {
+                const int link = FollowLinks(s, capacity, r.b, step.l);
+                VALUE* const cells = r.top + 1;
+                if (link < 0 || cells[0].type == tagString || cells[1].type == tagString ||
+                    cells[2].type == tagString)
+                    QEL_LEAVE();
+                TrySetInt(cells[0], link);
+                TrySetInt(cells[1], r.b);
+                TrySetInt(cells[2], static_cast<int>(r.next - steps) + 1);
+                r.b = static_cast<int>(cells - s);
+                r.frame = cells;
+                r.above = static_cast<uintptr_t>(capacity - r.b);
+                r.next = step.to;
+                continue;
+            }
+            case Op::Enter:
+                // Leaves a growth or an underflow to GeneralStep.
+                if (step.a > limit - r.top || step.a < s - r.top) QEL_LEAVE();
+                r.top += step.a;
+                break;
+            case Op::Jump: r.next = step.to; continue;
+            case Op::JumpIfZero:
+                if (r.top == s || !IsNumber(*r.top)) QEL_LEAVE();
+                if (NumberIsZero(*r.top)) {
+                    --r.top;
+                    r.next = step.to;
+                    continue;
+                }
+                --r.top;
+                break;
+            case Op::LoadIndexed: {
+                const VALUE* element = IntegerElement(s, capacity, r.b, step, *r.top);
+                if (!element || !TryAssign(*r.top, *element)) QEL_LEAVE();
+                break;
+            }
+            case Op::StoreIndexed: {
+                if (r.top - s < 2) QEL_LEAVE();
+                VALUE* element = IntegerElement(s, capacity, r.b, step, r.top[-1]);
+                if (!element || !TryAssign(*element, *r.top)) QEL_LEAVE();
+                r.top -= 2;
+                break;
+            }
+            case Op::Return: {
+                const int b = r.b;
+                if (b < 1 || static_cast<int64_t>(b) + 2 >= capacity) QEL_LEAVE();
+                VALUE* const top = s + (b - 1);
+                const int back = top[3].intValue;
+                if (back <= 0 || back >= length) QEL_LEAVE();
+                r.top = top;
+                r.b = top[2].intValue;
+                SetFrame(r, s, capacity);
+                r.next = steps + back;
+                if (r.top > limit) goto leave;
+                continue;
+            }
+            case Op::Plus: QEL_BINARY(TryAdd);
+            case Op::Minus: QEL_BINARY(TrySubtract);
+            case Op::Times: QEL_BINARY(TryMultiply);
+            case Op::Divide:
+                if (r.top == s || !IsNumber(*r.top) || NumberIsZero(*r.top) ||
+                    !TryDivide(r.top[-1], *r.top))
+                    QEL_LEAVE();
+                --r.top;
+                break;
+            case Op::Equal: QEL_BINARY(TryEqual);
+            case Op::NotEqual: QEL_BINARY(TryNotEqual);
+            case Op::Less: QEL_BINARY(TryLess);
+            case Op::GreaterEqual: QEL_BINARY(TryGreaterEqual);
+            case Op::Greater: QEL_BINARY(TryGreater);
+            case Op::LessEqual: QEL_BINARY(TryLessEqual);
+            case Op::BitOr: QEL_BINARY(TryBitOr);
+            case Op::BitAnd: QEL_BINARY(TryBitAnd);
+            case Op::Or: QEL_BINARY(TryOr);
+            case Op::And: QEL_BINARY(TryAnd);
+            case Op::Negate: QEL_UNARY(TryNegate);
+            case Op::Decrement: QEL_UNARY(TryDecrement);
+            case Op::Increment: QEL_UNARY(TryIncrement);
+            case Op::IntCast: QEL_UNARY(TryIntCast);
+            case Op::DoubleCast: QEL_UNARY(TryDoubleCast);
+            case Op::BitNot: QEL_UNARY(TryBitNot);
+            case Op::Not: QEL_UNARY(TryNot);
+            case Op::Nothing: break;
+            case Op::LitValue:
+            case Op::Swap:
+            case Op::External:
+            case Op::ReadInt:
+            case Op::ReadDouble:
+            case Op::Write:
+            case Op::OutOfCode: QEL_LEAVE();
+#if defined(__GNUC__)
+            // Every step is one of the above; the switch needs no range test.
+            default: __builtin_unreachable();
+#endif
+        }
+        ++r.next;
+    }
+leave:
+    registers = r;
+#undef QEL_LEAVE
+#undef QEL_PUSHED
+#undef QEL_UNARY
+#undef QEL_BINARY
+}
+
+// The machine's p: the address of the step `at`.
+inline int AddressOf(const Step* steps, const Step* at) {
+    return at->op == Op::OutOfCode ? static_cast<int>(at->a) : static_cast<int>(at - steps);
+}
+
+// Runs the step at r.next whatever it holds, with every report and call of
+// the machine. false: the run is over.
+bool GeneralStep(CInterpreter& m, Registers& r, const Step* steps, int length) {
+    VALUE* const s = m.stack;
+    const int capacity = m.stackCapacity;
+    const Step& step = *r.next++;
+    VALUE*& top = r.top;
+#define QEL_T() static_cast<int>(top - s)
+#define QEL_FAIL_WITH(t, text)                                 \
+    do {                                                       \
+        Fail(m, AddressOf(steps, r.next), r.b, (t), (text));   \
+        return false;                                          \
+    } while (0)
+#define QEL_FAIL(text) QEL_FAIL_WITH(QEL_T(), (text))
+    // The step has taken the last cell: t is -1.
+#define QEL_FAIL_EMPTIED() QEL_FAIL_WITH(-1, underflowMessage)
+#define QEL_SYNC() (m.p = AddressOf(steps, r.next), m.b = r.b, m.t = QEL_T())
+#define QEL_DATA_CELL(cell)                                             \
+    const int64_t cell = DataCell(s, capacity, r.b, step.l, step.a);   \
+    if (!IsCell(cell, capacity)) QEL_FAIL(CellError(cell))
+#define QEL_ELEMENT_CELL(cell, indexCell)                                  \
+    QEL_DATA_CELL(sizeCell);                                               \
+    int index, size;                                                       \
+    const int64_t cell = ElementCell(s, sizeCell, (indexCell), index, size); \
+    if (cell < 0) QEL_FAIL(ArrayIndexMessage(index, size));                \
+    if (!IsCell(cell, capacity)) QEL_FAIL(CellMessage(cell))
+#define QEL_BINARY(operation)                 \
+    if (top == s) QEL_FAIL(underflowMessage); \
+    --top;                                    \
+    operation(top[0], top[1]);                \
+    return true
+
+    switch (step.op) {
+        case Op::LitInt: SetInt(*++top, step.number); return true;
+        case Op::LitDouble: SetDouble(*++top, step.real); return true;
+        case Op::LitValue: Assign(*++top, *step.literal); return true;
+        case Op::Load:
+        case Op::LoadParameter:
+        case Op::LoadOuter: {
+            QEL_DATA_CELL(cell);
+            Assign(*++top, s[cell]);
+            return true;
+        }
+        case Op::Store:
+        case Op::StoreParameter:
+        case Op::StoreOuter: {
+            QEL_DATA_CELL(cell);
+            Assign(s[cell], *top);
+            if (top == s) QEL_FAIL_EMPTIED();
+            --top;
+            return true;
+        }
+        case Op::Call: {
+            const int link = FollowLinks(s, capacity, r.b, step.l);
+            if (link < 0) QEL_FAIL(linkMessage);
+            SetInt(top[1], link);
+            SetInt(top[2], r.b);
+            SetInt(top[3], static_cast<int>(r.next - steps));
+            r.b = QEL_T() + 1;
+            SetFrame(r, s, capacity);
+            r.next = step.to;
+            return true;
+        }
+        case Op::Enter: {
+            const intptr_t count = step.a;
+            const int t = QEL_T();
+            if (count > 0 && count > capacity - stackReserve - t) {
+                if (!Grow(m, AddressOf(steps, r.next), r.b, t, count)) return false;
+                // Cannot fail below: the count is positive.
+                SetFrame(r, m.stack, m.stackCapacity);
+            }
+            const int64_t newTop = static_cast<int64_t>(t) + count;
+            if (newTop < 0) QEL_FAIL(underflowMessage);
+            top = m.stack + newTop;
+            return true;
+        }
+        case Op::Jump: r.next = step.to; return true;
+        case Op::JumpIfZero:
+            if (IsZero(*top)) r.next = step.to;
+            if (top == s) {
+                if (AddressOf(steps, r.next) > 0) QEL_FAIL_EMPTIED();
+                // An address of 0 or below ends the run before the stack is
+                // looked at.
+                LeaveCode(m, AddressOf(steps, r.next), r.b, -1);
+                return false;
+            }
+            --top;
+            return true;
+        case Op::LoadIndexed: {
+            QEL_ELEMENT_CELL(cell, *top);
+            Assign(*top, s[cell]);
+            return true;
+        }
+        case Op::StoreIndexed: {
+            if (top == s) QEL_FAIL(underflowMessage);
+            QEL_ELEMENT_CELL(cell, top[-1]);
+            Assign(s[cell], *top);
+            if (top == s + 1) QEL_FAIL_EMPTIED();
+            top -= 2;
+            return true;
+        }
+        case Op::Swap: {
+            if (top == s) QEL_FAIL(underflowMessage);
+            VALUE held;
+            held.MoveFrom(top[0]);
+            top[0].MoveFrom(top[-1]);
+            top[-1].MoveFrom(held);
+            return true;
+        }
+        case Op::External:
+            QEL_SYNC();
+            return CallExternalRoutine(m, *step.ins);
+        case Op::Return: {
+            if (r.b < 1) QEL_FAIL(underflowMessage);
+            if (static_cast<int64_t>(r.b) + 2 >= capacity)
+                QEL_FAIL(CellMessage(static_cast<int64_t>(r.b) + 2));
+            top = s + (r.b - 1);
+            const int back = top[3].intValue;
+            r.b = top[2].intValue;
+            SetFrame(r, s, capacity);
+            if (back <= 0 || back >= length) {
+                LeaveCode(m, back, r.b, QEL_T());
+                return false;
+            }
+            r.next = steps + back;
+            return true;
+        }
+        case Op::Plus: QEL_BINARY(Add);
+        case Op::Minus: QEL_BINARY(Subtract);
+        case Op::Times: QEL_BINARY(Multiply);
+        case Op::Divide:
+            if (top == s) QEL_FAIL(underflowMessage);
+            --top;
+            if (IsZero(top[1])) QEL_FAIL("Division durch Null");
+            Divide(top[0], top[1]);
+            return true;
+        case Op::Equal: QEL_BINARY(Equal);
+        case Op::NotEqual: QEL_BINARY(NotEqual);
+        case Op::Less: QEL_BINARY(Less);
+        case Op::GreaterEqual: QEL_BINARY(GreaterEqual);
+        case Op::Greater: QEL_BINARY(Greater);
+        case Op::LessEqual: QEL_BINARY(LessEqual);
+        case Op::BitOr: QEL_BINARY(BitOr);
+        case Op::BitAnd: QEL_BINARY(BitAnd);
+        case Op::Or: QEL_BINARY(Or);
+        case Op::And: QEL_BINARY(And);
+        case Op::Negate: Negate(*top); return true;
+        case Op::Decrement: Decrement(*top); return true;
+        case Op::Increment: Increment(*top); return true;
+        case Op::IntCast: IntCast(*top); return true;
+        case Op::DoubleCast: DoubleCast(*top); return true;
+        case Op::BitNot: BitNot(*top); return true;
+        case Op::Not: Not(*top); return true;
+        case Op::ReadInt:
+            QEL_SYNC();
+            SetInt(top[1], AskForNumber(*step.ins, true));
+            ++top;
+            return true;
+        case Op::ReadDouble:
+            QEL_SYNC();
+            SetDouble(top[1], AskForNumber(*step.ins, false));
+            ++top;
+            return true;
+        case Op::Write:
+            QEL_SYNC();
+            ShowNumber(*step.ins, *top);
+            if (top == s) QEL_FAIL_EMPTIED();
+            --top;
+            return true;
+        case Op::Nothing: return true;
+        case Op::OutOfCode: LeaveCode(m, static_cast<int>(step.a), r.b, QEL_T()); return false;
+    }
+    return true;
+#undef QEL_T
+#undef QEL_FAIL_WITH
 #undef QEL_FAIL
+#undef QEL_FAIL_EMPTIED
 #undef QEL_SYNC
+#undef QEL_DATA_CELL
+#undef QEL_ELEMENT_CELL
+#undef QEL_BINARY
+}
+
+// Whether a step has pushed into the reserve, so that the stack must grow
+// before the next step.
+inline bool InReserve(const CInterpreter& m, const Registers& r) {
+    return r.top > m.stack + (m.stackCapacity - stackReserve);
+}
+
+void Run(CInterpreter& m) {
+    const int length = UsedLength(m);
+    const std::vector<Step> decoded = Decode(m.code, length);
+    const Step* const steps = decoded.data();
+    Registers r{};
+    r.next = steps;
+    r.top = m.stack;
+    r.b = 1;
+    SetFrame(r, m.stack, m.stackCapacity);
+    for (;;) {
+        RunFast(r, steps, length, m.stack, m.stackCapacity);
+        // Texts come in runs: while the top cell or the next literal is one,
+        // the steps stay here rather than go back and forth.
+        do {
+            if (!InReserve(m, r) && !GeneralStep(m, r, steps, length)) return;
+            if (InReserve(m, r)) {
+                const int t = static_cast<int>(r.top - m.stack);
+                if (!Grow(m, AddressOf(steps, r.next), r.b, t, 0)) return;
+                r.top = m.stack + t;
+                SetFrame(r, m.stack, m.stackCapacity);
+            }
+        } while (r.top->type == tagString || r.next->op == Op::LitValue);
+    }
 }
 
 }  // namespace
