@@ -17,15 +17,6 @@ std::string WithParagraphEnds(const char* text) {
     return out;
 }
 
-std::string WithCrLf(const std::string& text) {
-    std::string out;
-    out.reserve(text.size() + 64);
-    for (char c : text) {
-        out += c;
-        if (c == '\r') out += '\n';
-    }
-    return out;
-}
 }  // namespace
 
 // --- state helpers -----------------------------------------------------------
@@ -223,7 +214,7 @@ void CMemoryRichEdit::ReplaceSel(const char* text, bool canUndo) {
 void CMemoryRichEdit::Copy() {
     const State& s = *state;
     if (s.SelStart() >= s.SelEnd()) return;
-    GetClipboard().SetText(CString(WithCrLf(GetTextRange(s.SelStart(), s.SelEnd()).str())));
+    GetClipboard().SetText(WithCrLf(GetTextRange(s.SelStart(), s.SelEnd())));
 }
 
 void CMemoryRichEdit::Cut() {

@@ -49,16 +49,6 @@ std::unique_ptr<CRichEditWidget> MakeMemoryWidget(CWnd*, int) {
 RichEditWidgetFactory widgetFactory = MakeMemoryWidget;
 CClipboard* installedClipboard = nullptr;
 
-// "\r" paragraph ends as "\r\n", the way the window text gives them.
-CString WithCrLf(const CString& text) {
-    std::string out;
-    out.reserve(static_cast<size_t>(text.GetLength()) + 64);
-    for (char c : text.str()) {
-        out += c;
-        if (c == '\r') out += '\n';
-    }
-    return CString(std::move(out));
-}
 }  // namespace
 
 // --- native widget ---------------------------------------------------------
@@ -85,6 +75,16 @@ bool CRichEditWidget::OwnerAllowsProtectedChange(UINT message, WPARAM wParam, in
     info.chrg.cpMin = start;
     info.chrg.cpMax = end;
     return NotifyOwner(EN_PROTECTED, &info.nmhdr) == 0;
+}
+
+CString WithCrLf(const CString& text) {
+    std::string out;
+    out.reserve(static_cast<size_t>(text.GetLength()) + 64);
+    for (char c : text.str()) {
+        out += c;
+        if (c == '\r') out += '\n';
+    }
+    return CString(std::move(out));
 }
 
 RichEditWidgetFactory SetRichEditWidgetFactory(RichEditWidgetFactory factory) {

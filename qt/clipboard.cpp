@@ -9,14 +9,7 @@ using namespace qt_richedit;
 CString CQtClipboard::GetText() const {
     const QClipboard* system = QGuiApplication::clipboard();
     if (!system) return CString();
-    const std::string plain = FromQt(system->text()).str();
-    std::string withCrLf;
-    withCrLf.reserve(plain.size() + 64);
-    for (char c : plain) {
-        withCrLf += c;
-        if (c == '\r') withCrLf += '\n';
-    }
-    return CString(std::move(withCrLf));
+    return WithCrLf(FromQt(system->text()));
 }
 
 void CQtClipboard::SetText(const CString& latin1) {

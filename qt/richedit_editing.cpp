@@ -7,17 +7,6 @@
 using namespace qt_richedit;
 
 namespace {
-// "\r" paragraph ends as "\r\n", as the clipboard has them.
-CString WithCrLf(const CString& text) {
-    std::string out;
-    out.reserve(static_cast<size_t>(text.GetLength()) + 64);
-    for (char c : text.str()) {
-        out += c;
-        if (c == '\r') out += '\n';
-    }
-    return CString(std::move(out));
-}
-
 void RecordUndo(std::deque<UndoStep>& undo, const QTextCursor& range, int insertedLength, bool newLine,
                 UndoMode mode) {
     const int start = range.selectionStart();

@@ -263,6 +263,9 @@ private:
     CString text;
 };
 QELKERN_API CClipboard& GetClipboard();
+// The widget's "\r" paragraph ends as "\r\n", the way the window text and
+// the clipboard give them.
+QELKERN_API CString WithCrLf(const CString& text);
 // null: back to the built-in one.
 QELKERN_API void SetClipboard(CClipboard* clipboard);
 
