@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "machine/cell_ops.h"
+#include "machine/decode.h"
 #include "machine/host_calls.h"
 #include "machine/name_tables.h"
 #include "qelkern/machine.h"
@@ -35,12 +36,6 @@ inline bool IsCell(int64_t index, int capacity) {
     return static_cast<uint64_t>(index) < static_cast<uint64_t>(capacity);
 }
 
-// Jump targets beyond int still end the run or fail the address test.
-inline int ToAddress(intptr_t a) {
-    if (a < INT32_MIN) return INT32_MIN;
-    if (a > INT32_MAX) return INT32_MAX;
-    return static_cast<int>(a);
-}
 
 CString CellMessage(int64_t index) {
     CString text;
@@ -102,181 +97,6 @@ bool Grow(CInterpreter& m, int p, int b, int t, int64_t n) {
     m.b = b;
     m.t = t;
     return m.TesteStack(n > m.stackLimit ? m.stackLimit : static_cast<int>(n)) != 0;
-}
-
-// What the dispatch loop runs: each instruction decoded once per run, with
-// every OPR sub-operation and the common operand forms as an operation of its
-// own, so that one switch dispatches everything and a step fits 16 bytes.
-enum class Op : uint8_t {
-    LitInt,
-    LitDouble,
-    LitValue,
-    Load,            // l 0 or below, a 0 or above: a variable of the current frame
-    LoadParameter,   // l 0 or below, a below 0
-    LoadOuter,       // l above 0: static links to follow first
-    Store,
-    StoreParameter,
-    StoreOuter,
-    Call,
-    Enter,  // INT
-    Jump,
-    JumpIfZero,
-    LoadIndexed,
-    StoreIndexed,
-    Swap,
-    External,
-    Return,
-    Negate,
-    Plus,
-    Minus,
-    Times,
-    Divide,
-    Equal,
-    NotEqual,
-    Less,
-    GreaterEqual,
-    Greater,
-    LessEqual,
-    ReadInt,
-    Write,
-    Decrement,
-    Increment,
-    IntCast,
-    DoubleCast,
-    ReadDouble,
-    BitOr,
-    BitAnd,
-    BitNot,
-    Or,
-    And,
-    Not,
-    Nothing,    // an opcode or sub-operation that does not exist
-    OutOfCode,  // a: an address outside the decoded code, see LeaveCode
-};
-
-struct Step {
-    Op op;
-    int l;
-    union {
-        intptr_t a;              // offset or count
-        const Step* to;          // where a jump or CALL goes
-        int number;              // LitInt
-        double real;             // LitDouble
-        const VALUE* literal;    // LitValue
-        const Instruction* ins;  // the operations that need the comment or the callback
-    };
-};
-static_assert(sizeof(Step) <= 16);
-
-Op OperationStep(intptr_t operation) {
-    switch (operation) {
-        case oprRet: return Op::Return;
-        case oprNegate: return Op::Negate;
-        case oprPlus: return Op::Plus;
-        case oprMinus: return Op::Minus;
-        case oprTimes: return Op::Times;
-        case oprDivide: return Op::Divide;
-        case oprEqual: return Op::Equal;
-        case oprNotEqual: return Op::NotEqual;
-        case oprLess: return Op::Less;
-        case oprGreaterEqual: return Op::GreaterEqual;
-        case oprGreater: return Op::Greater;
-        case oprLessEqual: return Op::LessEqual;
-        case oprReadInt: return Op::ReadInt;
-        case oprWrite: return Op::Write;
-        case oprDecrement: return Op::Decrement;
-        case oprIncrement: return Op::Increment;
-        case oprIntCast: return Op::IntCast;
-        case oprDoubleCast: return Op::DoubleCast;
-        case oprReadDouble: return Op::ReadDouble;
-        case oprBitOr: return Op::BitOr;
-        case oprBitAnd: return Op::BitAnd;
-        case oprBitNot: return Op::BitNot;
-        case oprOr: return Op::Or;
-        case oprAnd: return Op::And;
-        case oprNot: return Op::Not;
-        default: return Op::Nothing;
-    }
-}
-
-// The code that Decode looks at: up to the last slot that is not a LIT of an
-// untagged value. The generator fills the store from address 0, and behind
-// the code it holds default instructions, such LITs, which LeaveCode carries
-// out without their being decoded. Address 0 always runs, whatever it holds.
-int UsedLength(const CInterpreter& m) {
-    int length = m.codeCapacity;
-    while (length > 1 && m.code[length - 1].f == LIT && m.code[length - 1].value.type == 0)
-        --length;
-    return length;
-}
-
-// Steps 0 to length - 1 stand for the instructions at the same addresses.
-// Step `length` and those behind it are OutOfCode steps: the first is reached
-// by running off the end, the others by jumps that leave the code. So the
-// loop never tests an address; it is looked at only when such a step is
-// reached, where the machine would look at it.
-std::vector<Step> Decode(const Instruction* code, int length) {
-    std::vector<Step> steps(static_cast<size_t>(length) + 1);
-    std::vector<std::pair<size_t, intptr_t>> jumps;  // step, index of its target
-    auto target = [&](intptr_t a) -> intptr_t {
-        const int address = ToAddress(a);
-        if (address > 0 && address < length) return address;
-        Step leave{};
-        leave.op = Op::OutOfCode;
-        leave.a = address;
-        steps.push_back(leave);
-        return static_cast<intptr_t>(steps.size() - 1);
-    };
-    for (int at = 0; at < length; ++at) {
-        const Instruction& ins = code[at];
-        Step step{};
-        step.l = ins.l;
-        step.a = ins.a;
-        switch (ins.f) {
-            case LIT:
-                if (ins.value.type == tagInteger) {
-                    step.op = Op::LitInt;
-                    step.number = ins.value.intValue;
-                } else if (ins.value.type == tagDouble) {
-                    step.op = Op::LitDouble;
-                    step.real = ins.value.doubleValue;
-                } else {
-                    step.op = Op::LitValue;
-                    step.literal = &ins.value;
-                }
-                break;
-            case OPR:
-                step.op = OperationStep(ins.a);
-                step.ins = &ins;
-                break;
-            // A level difference below 0 follows no link, as 0 does.
-            case LOD:
-                step.op = ins.l > 0 ? Op::LoadOuter : ins.a >= 0 ? Op::Load : Op::LoadParameter;
-                break;
-            case STO:
-                step.op = ins.l > 0 ? Op::StoreOuter : ins.a >= 0 ? Op::Store : Op::StoreParameter;
-                break;
-            case INT: step.op = Op::Enter; break;
-            case CALL:
-            case JMP:
-            case JPC:
-                step.op = ins.f == CALL ? Op::Call : ins.f == JMP ? Op::Jump : Op::JumpIfZero;
-                jumps.emplace_back(static_cast<size_t>(at), target(ins.a));
-                break;
-            case LODI: step.op = Op::LoadIndexed; break;
-            case STOI: step.op = Op::StoreIndexed; break;
-            case SWAP: step.op = Op::Swap; break;
-            case EXTCALL: step.op = Op::External; step.ins = &ins; break;
-            default: step.op = Op::Nothing; break;
-        }
-        steps[static_cast<size_t>(at)] = step;
-    }
-    Step& end = steps[static_cast<size_t>(length)];
-    end.op = Op::OutOfCode;
-    end.a = length;
-    // Only now do the steps stay where they are.
-    for (const auto& [at, to] : jumps) steps[at].to = &steps[static_cast<size_t>(to)];
-    return steps;
 }
 
 // Carries on at an address outside the decoded code, as the machine does
