@@ -1,0 +1,56 @@
+// Limits and control a host gives a script run: a step budget, a wall-clock
+// limit, a memory limit, cancellation from any thread, and a callback that
+// the running script calls now and then on its own thread. Everything is off
+// by default, so a run without a control behaves exactly as before.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+
+#include "qelkern/export.h"
+
+// Why a run was ended from outside the script.
+enum class StopCause : int {
+    None = 0,
+    StepLimit,    // "Skript abgebrochen: Schrittgrenze erreicht."
+    TimeLimit,    // "Skript abgebrochen: Zeitgrenze erreicht."
+    Cancelled,    // "Skript abgebrochen."
+    MemoryLimit,  // "Nicht genügend Speicher für das Skript."
+};
+
+class QELKERN_API CRunControl {
+public:
+    // Machine steps a run may take; 0: no limit. Counted exactly, but
+    // checked only where control flows backwards or into a routine, so the
+    // run ends there at the latest.
+    uint64_t maxSteps = 0;
+    // Wall-clock time a run may take, in milliseconds; 0: no limit.
+    uint64_t timeoutMilliseconds = 0;
+    // Bytes of memory a script may hold in code, stack and texts; 0: no limit.
+    size_t maxMemoryBytes = 0;
+    // Called on the script's thread about every `pollMilliseconds` while the
+    // machine runs (not while a callback or dialog holds the thread). A host
+    // can pump its events here or call Cancel(). Empty: never called.
+    std::function<void(CRunControl&)> onPoll;
+    uint32_t pollMilliseconds = 50;
+
+    // Ends the current run at its next check; safe from any thread and from
+    // callbacks. The flag stays set until Reset() or the next run starts.
+    void Cancel() noexcept { cancelRequested.store(true, std::memory_order_relaxed); }
+    bool IsCancelRequested() const noexcept {
+        return cancelRequested.load(std::memory_order_relaxed);
+    }
+    void Reset() noexcept { cancelRequested.store(false, std::memory_order_relaxed); }
+
+    // Filled by the run: the cause that ended it and the steps it took.
+    StopCause stopCause = StopCause::None;
+    uint64_t stepsTaken = 0;
+
+private:
+    std::atomic<bool> cancelRequested{false};
+};
+
+// The control for the next runs of RunScript; null (the default): no limits.
+QELKERN_API extern CRunControl* pRunControl;
