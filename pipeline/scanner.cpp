@@ -169,7 +169,7 @@ void CScanner::InsertText(CString text) {
     if (count > INT_MAX - size) return;
     const int at = index < 0 ? 0 : (index > size ? size : index);
     try {
-        const char* bytes = text.str().data();
+        const char* bytes = text.view().data();
         buffer.insert(buffer.begin() + at, bytes, bytes + count);
     } catch (const std::bad_alloc&) {
         return;

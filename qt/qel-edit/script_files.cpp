@@ -49,7 +49,7 @@ CString ScriptTextOf(const CRichEditCtrl& editor) {
 }
 
 int CompileScript(const QString& preludeDirectory, const CString& text, bool run) {
-    std::vector<char> buffer(text.str().begin(), text.str().end());
+    std::vector<char> buffer(text.view().begin(), text.view().end());
     buffer.push_back('\0');
     try {
         return RunScript(DirectoryWithSlash(preludeDirectory), buffer.data(), text.GetLength(), true, run);
