@@ -21,20 +21,20 @@ public:
     VALUE& operator++();
     VALUE& operator--();
 
-    VALUE operator+(VALUE right) const;
-    VALUE operator-(VALUE right) const;
-    VALUE operator*(VALUE right) const;
-    VALUE operator/(VALUE right) const;
-    VALUE operator%(VALUE right) const;
+    VALUE operator+(const VALUE& right) const;
+    VALUE operator-(const VALUE& right) const;
+    VALUE operator*(const VALUE& right) const;
+    VALUE operator/(const VALUE& right) const;
+    VALUE operator%(const VALUE& right) const;
     VALUE operator%(int right) const;
     VALUE operator%(double right) const;
-    VALUE operator<(VALUE right) const;
-    VALUE operator<=(VALUE right) const;
-    VALUE operator>(VALUE right) const;
-    VALUE operator>=(VALUE right) const;
-    VALUE operator==(VALUE right) const;
+    VALUE operator<(const VALUE& right) const;
+    VALUE operator<=(const VALUE& right) const;
+    VALUE operator>(const VALUE& right) const;
+    VALUE operator>=(const VALUE& right) const;
+    VALUE operator==(const VALUE& right) const;
     VALUE operator==(int right) const;
-    VALUE operator!=(VALUE right) const;
+    VALUE operator!=(const VALUE& right) const;
 
     CString GetTypeName() const;
 
@@ -45,6 +45,9 @@ public:
     // Moves the contents of `other` here and leaves `other` an integer 0,
     // without copying a text.
     void MoveFrom(VALUE& other);
+    // this + right, into this cell: a string grows in place where its text
+    // allows, so that building a text costs linear time.
+    VALUE& operator+=(const VALUE& right);
 
     int type;
     union {
