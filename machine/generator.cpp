@@ -1,6 +1,7 @@
 #include <cstdint>
 #include <new>
 
+#include "platform/memory_budget.h"
 #include "qelkern/machine.h"
 
 // Name of the listing file; empty switches the listing off.
@@ -66,6 +67,7 @@ void CGenerator::TesteCode(int n) {
     int64_t capacity = machine.codeCapacity;
     while (needed + 10 > capacity) capacity += codeGrowthStep;
     if (capacity > INT32_MAX) throw std::bad_alloc();
+    qelkern::ChargeMemory(static_cast<size_t>(capacity - machine.codeCapacity) * sizeof(Instruction));
     Instruction* grown = new Instruction[static_cast<size_t>(capacity)];
     for (int i = 0; i < cx; ++i) grown[i] = machine.code[i];
     delete[] machine.code;

@@ -6,6 +6,7 @@
 #include "machine/decode.h"
 #include "machine/host_calls.h"
 #include "machine/name_tables.h"
+#include "platform/memory_budget.h"
 #include "qelkern/machine.h"
 #include "qelkern/userinterface.h"
 
@@ -601,6 +602,7 @@ int CInterpreter::TesteStack(int n) {
         err("Stacküberlauf.");
         return 0;
     }
+    qelkern::ChargeMemory(static_cast<size_t>(grown - stackCapacity) * sizeof(VALUE));
     VALUE* cells = new (std::nothrow) VALUE[static_cast<size_t>(grown)];
     if (!cells) {
         err("Stacküberlauf.");

@@ -5,8 +5,10 @@
 #include <new>
 #include <string>
 
+#include "platform/memory_budget.h"
 #include "qelkern/machine.h"
 #include "qelkern/parser.h"
+#include "qelkern/runcontrol.h"
 #include "qelkern/scanner.h"
 #include "qelkern/userinterface.h"
 
@@ -52,7 +54,6 @@ bool Compile(CParser& parser) {
         return true;
     } catch (CException* e) {
         e->Delete();
-    } catch (const std::bad_alloc&) {
     }
     parser.ok = 0;  // an incomplete compile must never run
     return false;
@@ -60,6 +61,7 @@ bool Compile(CParser& parser) {
 
 int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, bool run) {
     int result = 0;
+    qelkern::ScriptMemoryScope memory(pRunControl);
     std::string joined = JoinWithPrelude(dir, text, length);
     if (joined.size() > static_cast<size_t>(INT_MAX)) return 0;
     ScriptRun objects(joined.data(), static_cast<int>(joined.size()), showErrors);
@@ -88,7 +90,8 @@ int RunScript(CString dir, char* text, int length, bool showErrors, bool run) {
     try {
         return CompileAndRun(dir, text, length, showErrors, run);
     } catch (const std::bad_alloc&) {
-        return 0;  // a text too large for memory fails like any other run
+        GetUserInterface().ShowMessage("Nicht genügend Speicher für das Skript.", "", CUserInterface::IconError);
+        return 0;
     }
 }
 

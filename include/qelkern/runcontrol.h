@@ -29,6 +29,13 @@ public:
     // Wall-clock time a run may take, in milliseconds; 0: no limit.
     uint64_t timeoutMilliseconds = 0;
     // Bytes of memory a script may hold in code, stack and texts; 0: no limit.
+    // Counted are the growth of the code store and of the stack beyond their
+    // first 10,000 entries, and every text made on the run's thread while
+    // the script compiles and runs, callbacks included; a text shared by
+    // copies counts once. A script that would pass the limit ends at once
+    // with the box "Nicht genügend Speicher für das Skript." (error icon),
+    // result 0 and `stopCause` MemoryLimit, as does any script that runs out
+    // of real memory, or whose text would reach 2 GiB, without a limit.
     size_t maxMemoryBytes = 0;
     // Called on the script's thread about every `pollMilliseconds` while the
     // machine runs (not while a callback or dialog holds the thread). A host
