@@ -102,7 +102,7 @@ void VALUE::Release() {
     }
 }
 
-VALUE& VALUE::operator=(const VALUE& other) {
+VALUE& VALUE::AssignOther(const VALUE& other) {
     if (other.type == tagString) {
         // A cell that holds a string keeps its string object and shares the
         // new text; a new object is made before the old payload goes, so a

@@ -9,7 +9,15 @@ public:
     VALUE(const VALUE& other);
     ~VALUE() override;
 
-    VALUE& operator=(const VALUE& other);
+    // A string cell given a string shares the text in its own string object;
+    // that common case of the machine needs no call.
+    VALUE& operator=(const VALUE& other) {
+        if (type == 57 && other.type == 57 && stringValue && other.stringValue) {
+            *stringValue = *other.stringValue;
+            return *this;
+        }
+        return AssignOther(other);
+    }
     VALUE& operator=(const int& number);
     VALUE& operator=(const double& number);
 
@@ -58,4 +66,5 @@ public:
 
 private:
     void Release();
+    VALUE& AssignOther(const VALUE& other);
 };
