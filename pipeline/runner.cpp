@@ -74,7 +74,7 @@ void RecordRuntimeError(const CGenerator& generator, const CInterpreter& machine
     int line = -1;
     int position = -1;
     generator.SourceOf(machine.p - 1, line, position);
-    const StopCause cause = pRunControl != nullptr ? pRunControl->stopCause : StopCause::None;
+    const StopCause cause = machine.control != nullptr ? machine.control->stopCause : StopCause::None;
     const ScriptErrorKind kind =
         cause == StopCause::None ? ScriptErrorKind::Runtime : ScriptErrorKind::Stopped;
     qelkern::ReportDiagnostic(kind, line, position, machine.errorText, cause);

@@ -85,6 +85,8 @@ private:
 };
 
 class CInterpreter;
+class CRunControl;
+namespace qelkern { class StackCells; }
 
 // Thrown (as a pointer) on the compiler's error path only.
 class QELKERN_API CQELException : public CException {
@@ -159,5 +161,11 @@ public:
     int codeCapacity = 10000;
     int stackCapacity = 10000;
     int stackLimit = 1047552;
+    // The host's limits for the runs of this interpreter: pRunControl when it
+    // was made; null: none.
+    CRunControl* control;
     CString errorText;  // the message of the run-time error, for the error record
+
+private:
+    qelkern::StackCells* cells;
 };
