@@ -176,3 +176,19 @@ TEST(QelCommand, PreludeComesFromTheScriptsDirectoryOrTheOneGiven) {
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_EQ(missing.OutLines(), Lines{ResultLine(0, 0, "compile")});
 }
+
+TEST(QelCommand, LimitsStopAnEndlessLoopAtItsStatement) {
+    const std::pair<Lines, const char*> cases[] = {
+        {{"--max-steps", "5000"}, "Skript abgebrochen: Schrittgrenze erreicht."},
+        {{"--timeout=0.2"}, "Skript abgebrochen: Zeitgrenze erreicht."},
+    };
+    for (const auto& [limit, message] : cases) {
+        Lines args = {"--prelude-dir", EmptyDir(), "--ui", "json", "-e",
+                      "VAR i : INTEGER;\nBEGIN\n  LOOP\n    i := i + 1\n  END\nEND."};
+        args.insert(args.begin(), limit.begin(), limit.end());
+        const CommandResult run = RunQel(args);
+        EXPECT_EQ(run.exitCode, 1) << message;
+        EXPECT_EQ(run.err, std::string("<-e>:4:5: Fehler: ") + message + "\n");
+        EXPECT_EQ(run.OutLines().back(), ResultLine(0, 0, "run"));
+    }
+}
