@@ -1,5 +1,5 @@
 #include <QShowEvent>
-#include <QTextEdit>
+#include <QPlainTextEdit>
 #include <QTimer>
 
 #include "qelkern-qt/qtdialogs.h"
@@ -33,7 +33,7 @@ protected:
     // The caret was placed before the window had a size; now it can be shown.
     void showEvent(QShowEvent* event) override {
         CQtResourceDialog::showEvent(event);
-        auto* editor = qobject_cast<QTextEdit*>(Item(IDC_TEXTDIALOG_EDIT));
+        auto* editor = qobject_cast<QPlainTextEdit*>(Item(IDC_TEXTDIALOG_EDIT));
         if (!editor) return;
         editor->setFocus();
         QTimer::singleShot(0, editor, [editor] { editor->ensureCursorVisible(); });

@@ -9,7 +9,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QStatusBar>
-#include <QTextEdit>
+#include <QPlainTextEdit>
 #include <QTimer>
 
 #include "qelkern-qt/qtrichedit.h"

@@ -9,7 +9,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
-#include <QTextEdit>
+#include <QPlainTextEdit>
 
 #include "edit_window.h"
 #include "gui_test_support.h"
@@ -18,7 +18,7 @@
 #include "qelkern-qt/qtrichedit.h"
 
 namespace {
-QTextEdit* ViewOf(CQelEditWindow& window) {
+QPlainTextEdit* ViewOf(CQelEditWindow& window) {
     return dynamic_cast<CQtRichEditWidget*>(window.Editor().GetWidget())->GetTextEdit();
 }
 
@@ -117,7 +117,7 @@ private slots:
                 boxes.Take(modal);
                 return;
             }
-            auto* editor = qobject_cast<QTextEdit*>(dialog->Item(IDC_TEXTDIALOG_EDIT));
+            auto* editor = qobject_cast<QPlainTextEdit*>(dialog->Item(IDC_TEXTDIALOG_EDIT));
             QTextBlock marker = editor->document()->begin();
             while (marker.isValid() && !marker.text().startsWith(u"<!>")) marker = marker.next();
             markerLine = marker.text();
@@ -167,7 +167,7 @@ private slots:
         window.StartNewFile(path);
         QVERIFY(!window.IsModified());
         window.show();
-        QTextEdit* view = ViewOf(window);
+        QPlainTextEdit* view = ViewOf(window);
         TypeText(view, QStringLiteral("(* Größe *)\nbegin\nend."));
         QVERIFY(window.IsModified());
         QTRY_VERIFY(window.isWindowModified());

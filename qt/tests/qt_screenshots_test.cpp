@@ -5,7 +5,7 @@
 #include <QDir>
 #include <QImage>
 #include <QTest>
-#include <QTextEdit>
+#include <QPlainTextEdit>
 
 #include "edit_window.h"
 #include "gui_test_support.h"
@@ -82,7 +82,7 @@ private slots:
             dialog->setWindowState(Qt::WindowNoState);
             dialog->resize(860, 520);
             QTest::qWait(50);
-            qobject_cast<QTextEdit*>(dialog->Item(IDC_TEXTDIALOG_EDIT))->ensureCursorVisible();
+            qobject_cast<QPlainTextEdit*>(dialog->Item(IDC_TEXTDIALOG_EDIT))->ensureCursorVisible();
             shot = dialog->grab().toImage();
             dialog->accept();
         });
