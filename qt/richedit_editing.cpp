@@ -7,14 +7,18 @@
 using namespace qt_richedit;
 
 namespace {
-void RecordUndo(std::deque<UndoStep>& undo, const QTextCursor& range, const FormatModel& formats,
-                int insertedLength, bool newLine, UndoMode mode) {
+void RecordUndo(std::deque<UndoStep>& undo, std::deque<UndoStep>& redo, const QTextCursor& range,
+                const FormatModel& formats, int insertedLength, bool newLine, UndoMode mode) {
     const int start = range.selectionStart();
     const int end = range.selectionEnd();
     if (mode == UndoMode::None) {
-        if (insertedLength != end - start) undo.clear();
+        if (insertedLength != end - start) {
+            undo.clear();
+            redo.clear();
+        }
         return;
     }
+    redo.clear();
     UndoStep* last = undo.empty() ? nullptr : &undo.back();
     const bool joins = mode == UndoMode::Typing && last && last->typing && start == end &&
                        last->start + last->insertedLength == start;
@@ -63,7 +67,7 @@ bool CQtRichEditWidget::ReplaceRange(int start, int end, const QString& inserted
         OwnChange own(s);
         const FormatId format = s.InsertionFormat(start, end);
         QTextCursor range = s.Range(start, end);
-        RecordUndo(s.undo, range, s.formats, static_cast<int>(inserted.size()), inserted == u"\n",
+        RecordUndo(s.undo, s.redo, range, s.formats, static_cast<int>(inserted.size()), inserted.startsWith(u'\n'),
                    static_cast<UndoMode>(undoMode));
         range.insertText(inserted);
         s.formats.Replace(start, end - start, static_cast<int>(inserted.size()), format);
@@ -92,6 +96,7 @@ void CQtRichEditWidget::SetText(const char* text) {
             s.batch.beginEditBlock();
         }
         s.undo.clear();
+        s.redo.clear();
         s.pendingFormat.reset();
         s.SetCursor(QTextCursor(s.Document()));
     }
@@ -175,19 +180,35 @@ void CQtRichEditWidget::DeleteByKey(UINT key, bool wholeWord) {
 
 bool CQtRichEditWidget::CanUndo() const { return !state->undo.empty(); }
 
-bool CQtRichEditWidget::Undo() {
+bool CQtRichEditWidget::Undo() { return TakeBack(state->undo, state->redo); }
+
+bool CQtRichEditWidget::CanRedo() const { return !state->redo.empty() && !state->readOnly; }
+
+bool CQtRichEditWidget::Redo() { return TakeBack(state->redo, state->undo); }
+
+// Puts back the text of the last step of `from`; the step that would undo
+// that goes to `to`.
+bool CQtRichEditWidget::TakeBack(std::deque<UndoStep>& from, std::deque<UndoStep>& to) {
     State& s = *state;
-    if (s.readOnly || s.undo.empty() || !s.view) return false;
-    UndoStep step = std::move(s.undo.back());
-    s.undo.pop_back();
+    if (s.readOnly || from.empty() || !s.view) return false;
+    UndoStep step = std::move(from.back());
+    from.pop_back();
     {
         OwnChange own(s);
         const int start = std::clamp(step.start, 0, s.Length());
         const int end = std::clamp(start + step.insertedLength, start, s.Length());
         QTextCursor range = s.Range(start, end);
+        UndoStep inverse;
+        inverse.start = start;
+        inverse.removed = range.selectedText();
+        inverse.removedFormats = s.formats.Slice(start, end);
+        inverse.removedLength = end - start;
+        inverse.insertedLength = step.removedLength;
         range.insertText(step.removed);
         s.formats.Replace(start, end - start, step.removedFormats);
         s.TextReplaced(start, end - start, step.removedLength);
+        to.push_back(std::move(inverse));
+        if (to.size() > undoLimit) to.pop_front();
         s.pendingFormat.reset();
         s.SetCursor(s.Range(start, start + step.removedLength));
     }
@@ -195,7 +216,10 @@ bool CQtRichEditWidget::Undo() {
     return true;
 }
 
-void CQtRichEditWidget::EmptyUndoBuffer() { state->undo.clear(); }
+void CQtRichEditWidget::EmptyUndoBuffer() {
+    state->undo.clear();
+    state->redo.clear();
+}
 
 void CQtRichEditWidget::FollowOutsideChange(int position, int removed, int added) {
     State& s = *state;
@@ -210,6 +234,7 @@ void CQtRichEditWidget::FollowOutsideChange(int position, int removed, int added
 // The steps no longer fit a text that Qt changed by itself.
 void CQtRichEditWidget::TextChangedOutside() {
     state->undo.clear();
+    state->redo.clear();
     state->pendingFormat.reset();
     NotifyChanged();
 }

@@ -53,8 +53,11 @@ struct CQtRichEditWidget::State {
     std::optional<qt_richedit::FormatId> pendingFormat;  // for the next insertion at the caret
     qt_richedit::FormatModel formats;
     std::function<void(int line)> gutterClicked;
+    std::function<void(QChar)> rejectedCharacter;
+    bool autoIndent = false;
     qt_richedit::FormatPainter painter;
     std::deque<qt_richedit::UndoStep> undo;
+    std::deque<qt_richedit::UndoStep> redo;  // steps taken back, newest last
     PARAFORMAT para;
     bool readOnly = false;
     bool shown = false;

@@ -5,9 +5,13 @@
 #include <QMainWindow>
 
 #include "qelkern/qelkern.h"
+#include "recent_files.h"
 
 class QLabel;
 class QTimer;
+class QMenu;
+class CQtRichEditWidget;
+class CFindDialog;
 
 class CQelEditWindow : public QMainWindow {
 public:
@@ -26,17 +30,36 @@ public:
     // is chosen, it follows the directory of the script file.
     void SetPreludeDirectory(const QString& directory, bool chosen);
 
+    // Puts the caret at the start of a line (from 1) and shows it.
+    void GoToLine(int line);
+    void AskForLine();
+    void ShowFind(bool replace);
+    void FindNextMatch();
+    void Zoom(int steps);  // 0: back to the normal size
+
     CTWScriptEdit& Editor() { return editor; }
+    CQtRichEditWidget* Widget() const { return widget; }
+    CFindDialog* FindDialog() const { return findDialog; }
     QString FilePath() const { return filePath; }
     QString PreludeDirectory() const { return preludeDirectory; }
     QString LastRunText() const;
+    QString StatusMessage() const;
     bool IsModified() const;
+    QMenu* RecentFilesMenu() const { return recentMenu; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void BuildMenus();
+    void BuildFileMenu();
+    void BuildEditMenu();
+    void BuildViewMenu();
+    void BuildScriptMenu();
+    void FillRecentFilesMenu();
+    void OpenRecent(const QString& path);
+    void RememberFile(const QString& path);
     void NewFile();
     void OpenByDialog();
     bool Save();
@@ -46,15 +69,25 @@ private:
     void LoadText(const CString& latin1, const QString& path);
     void LearnWords();
     void ShowLastRun(const QString& command, int result, bool withSuccessCode);
+    void ResetRunStatus();
     void UpdateTitle();
+    void UseColoursOfPalette();
+    void CharacterRejected(QChar character);
+    void ReplaceOne();
+    void ReplaceEvery();
 
     CTWScriptEdit editor;
+    CQtRichEditWidget* widget = nullptr;
+    CFindDialog* findDialog = nullptr;
+    QMenu* recentMenu = nullptr;
     QLabel* runStatus = nullptr;
     QLabel* preludeStatus = nullptr;
     QTimer* modifiedCheck = nullptr;
+    CRecentFiles recentFiles;
     QString filePath;
     QString preludeDirectory;
     QString learntPrelude;
     bool preludeChosen = false;
+    int zoomSteps = 0;
     CString savedText;
 };

@@ -14,6 +14,7 @@
 
 #include <QColor>
 #include <QHash>
+#include <deque>
 #include <functional>
 #include <memory>
 
@@ -32,6 +33,10 @@ enum LineMark : unsigned {
     LineMarkBreakpoint = 2,
     LineMarkCurrent = 4,     // where a stopped script stands
 };
+
+namespace qt_richedit {
+struct UndoStep;
+}
 
 class CQtRichEditWidget : public CRichEditWidget {
 public:
@@ -97,6 +102,16 @@ public:
     // Called with the line (from 0) of a click into the gutter.
     void SetGutterClickHandler(std::function<void(int line)> handler);
 
+    // Redo of what Undo took back; any new edit drops these steps.
+    bool CanRedo() const;
+    bool Redo();
+    // Return keeps the indent (blanks and tabs) of the line it splits; off
+    // at first.
+    void SetAutoIndent(bool on);
+    // Called, instead of nothing, when the user types a character that the
+    // text cannot hold (beyond Latin-1); off at first.
+    void SetRejectedCharacterHandler(std::function<void(QChar)> handler);
+
     // Inspection, for hosts and tests.
     int UndoStepCount() const;
     bool IsUpdateLocked() const;
@@ -129,6 +144,9 @@ private:
     bool HandleShortcut(QKeyEvent* event);
     bool PassesToWindow(const QKeyEvent* event) const;
     void MoveCaret(UINT key, bool extend);
+    bool TakeBack(std::deque<qt_richedit::UndoStep>& from, std::deque<qt_richedit::UndoStep>& to);
+    void TypeCharacters(const QString& text);
+    QString IndentBefore(int position) const;
     void ApplyDefaultFormat();
     void ApplyTabStops();
 
