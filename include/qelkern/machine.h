@@ -83,6 +83,8 @@ private:
 };
 
 class CInterpreter;
+class CRunControl;
+namespace qelkern { class StackCells; }
 
 // Thrown (as a pointer) on the compiler's error path only.
 class QELKERN_API CQELException : public CException {
@@ -142,4 +144,10 @@ public:
     int codeCapacity = 10000;
     int stackCapacity = 10000;
     int stackLimit = 1047552;
+    // The host's limits for the runs of this interpreter: pRunControl when it
+    // was made; null: none.
+    CRunControl* control;
+
+private:
+    qelkern::StackCells* cells;
 };
