@@ -6,6 +6,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
+#include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QStatusBar>
@@ -145,7 +146,24 @@ bool CQelEditWindow::ConfirmDiscard() {
     return answer == QMessageBox::Discard;
 }
 
+// A running script is stopped first; the window closes when it has ended,
+// asking about unsaved changes then.
+bool CQelEditWindow::AskToStopForClosing() {
+    const auto answer = QMessageBox::question(this, QStringLiteral("qel-edit"),
+                                              QStringLiteral("Das Script läuft noch. Anhalten und schließen?"),
+                                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    if (answer != QMessageBox::Yes || !session.IsRunning()) return false;
+    closeAfterRun = true;
+    session.Stop();
+    return true;
+}
+
 void CQelEditWindow::closeEvent(QCloseEvent* event) {
+    if (session.IsRunning()) {
+        AskToStopForClosing();
+        event->ignore();
+        return;
+    }
     if (ConfirmDiscard())
         event->accept();
     else
@@ -186,17 +204,64 @@ void CQelEditWindow::LearnWords() {
     learntPrelude = prelude;
 }
 
-int CQelEditWindow::CompileText() {
-    const int result = CompileScript(preludeDirectory, ScriptTextOf(editor), false);
-    ShowLastRun(QStringLiteral("Übersetzen"), result, false);
-    return result;
-}
+int CQelEditWindow::CompileText() { return RunSession(QStringLiteral("Übersetzen"), false); }
 
 int CQelEditWindow::RunText() {
     _VarSuccess = 0;
-    const int result = CompileScript(preludeDirectory, ScriptTextOf(editor), true);
-    ShowLastRun(QStringLiteral("Ausführen"), result, true);
+    return RunSession(QStringLiteral("Ausführen"), true);
+}
+
+// Unsaved work goes to the recovery file first: a script may take the
+// process down. The file goes once the run is over.
+int CQelEditWindow::RunSession(const QString& command, bool run) {
+    if (session.IsRunning()) return 0;
+    const CString text = ScriptTextOf(editor);
+    const bool keepsRecovery = run && IsModified() && recovery.Save(filePath, text);
+    SetRunning(true);
+    runStatus->setText(command + QStringLiteral(" …"));
+    runStatus->setStyleSheet(QString());
+    const int result = session.Run(preludeDirectory, text, run);
+    SetRunning(false);
+    if (keepsRecovery) recovery.Discard();
+    if (session.WasStopped()) {
+        runStatus->setText(command + QStringLiteral(": abgebrochen"));
+        runStatus->setStyleSheet(QStringLiteral("color: #c00000;"));
+    } else {
+        ShowLastRun(command, result, run);
+    }
+    if (closeAfterRun) {
+        closeAfterRun = false;
+        QTimer::singleShot(0, this, [this] { close(); });
+    }
     return result;
+}
+
+void CQelEditWindow::StopRun() { session.Stop(); }
+
+void CQelEditWindow::SetRunning(bool running) {
+    stopAction->setEnabled(running);
+    for (QAction* action : std::as_const(idleOnly)) action->setEnabled(!running);
+}
+
+bool CQelEditWindow::OfferRecovery() {
+    const std::vector<RecoveredWork> left = recovery.Left();
+    if (left.empty()) return false;
+    const RecoveredWork& work = left.front();
+    const QString name = work.path.isEmpty() ? QStringLiteral("Unbenannt") : work.path;
+    const auto answer = QMessageBox::question(
+        this, QStringLiteral("qel-edit"),
+        QStringLiteral("qel-edit wurde während eines Laufs beendet. Die ungesicherten Änderungen an %1 vom %2 "
+                       "wiederherstellen?")
+            .arg(name, QLocale(QLocale::German).toString(work.written, QLocale::ShortFormat)),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+    CRecovery::Remove(work);
+    if (answer != QMessageBox::Yes) return false;
+    if (work.path.isEmpty() || !OpenFile(work.path)) StartNewFile(work.path);
+    CString text = work.text;
+    text.Replace("\n", "\r");
+    editor.SetWindowText(text);
+    UpdateTitle();
+    return true;
 }
 
 void CQelEditWindow::ShowLastRun(const QString& command, int result, bool withSuccessCode) {

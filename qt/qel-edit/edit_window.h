@@ -6,10 +6,13 @@
 
 #include "qelkern/qelkern.h"
 #include "recent_files.h"
+#include "recovery.h"
+#include "script_session.h"
 
 class QLabel;
 class QTimer;
 class QMenu;
+class QAction;
 class CQtRichEditWidget;
 class CFindDialog;
 
@@ -26,6 +29,12 @@ public:
     // 1 or 0, as the engine answers; the status bar shows it.
     int CompileText();
     int RunText();
+    // Ends the running script; the status says so.
+    void StopRun();
+    bool IsRunning() const { return session.IsRunning(); }
+    // Offers back the newest work that a run left unsaved when the editor
+    // went down; true if it was taken.
+    bool OfferRecovery();
     // The directory whose "extern.qel" goes in front of the script. Until one
     // is chosen, it follows the directory of the script file.
     void SetPreludeDirectory(const QString& directory, bool chosen);
@@ -46,6 +55,7 @@ public:
     QString StatusMessage() const;
     bool IsModified() const;
     QMenu* RecentFilesMenu() const { return recentMenu; }
+    QAction* StopAction() const { return stopAction; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -75,11 +85,19 @@ private:
     void CharacterRejected(QChar character);
     void ReplaceOne();
     void ReplaceEvery();
+    void SetRunning(bool running);
+    int RunSession(const QString& command, bool run);
+    bool AskToStopForClosing();
 
     CTWScriptEdit editor;
     CQtRichEditWidget* widget = nullptr;
     CFindDialog* findDialog = nullptr;
     QMenu* recentMenu = nullptr;
+    QAction* stopAction = nullptr;
+    QList<QAction*> idleOnly;  // commands that wait while a script runs
+    CScriptSession session;
+    CRecovery recovery{CRecovery::DefaultDirectory()};
+    bool closeAfterRun = false;
     QLabel* runStatus = nullptr;
     QLabel* preludeStatus = nullptr;
     QTimer* modifiedCheck = nullptr;

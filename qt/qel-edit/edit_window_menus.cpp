@@ -5,6 +5,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QStatusBar>
+#include <QStyle>
+#include <QToolBar>
 
 #include "edit_window.h"
 #include "find_dialog.h"
@@ -26,9 +28,10 @@ void CQelEditWindow::BuildMenus() {
 
 void CQelEditWindow::BuildFileMenu() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Datei"));
-    file->addAction(QStringLiteral("&Neu"), QKeySequence::New, this, [this] { NewFile(); });
-    file->addAction(QStringLiteral("Ö&ffnen …"), QKeySequence::Open, this, [this] { OpenByDialog(); });
+    idleOnly << file->addAction(QStringLiteral("&Neu"), QKeySequence::New, this, [this] { NewFile(); });
+    idleOnly << file->addAction(QStringLiteral("Ö&ffnen …"), QKeySequence::Open, this, [this] { OpenByDialog(); });
     recentMenu = file->addMenu(QStringLiteral("&Zuletzt geöffnet"));
+    idleOnly << recentMenu->menuAction();
     connect(recentMenu, &QMenu::aboutToShow, this, [this] { FillRecentFilesMenu(); });
     FillRecentFilesMenu();
     file->addAction(QStringLiteral("&Speichern"), QKeySequence::Save, this, [this] { Save(); });
@@ -73,10 +76,23 @@ void CQelEditWindow::BuildViewMenu() {
 
 void CQelEditWindow::BuildScriptMenu() {
     QMenu* script = menuBar()->addMenu(QStringLiteral("&Script"));
-    script->addAction(QStringLiteral("Ü&bersetzen"), QKeySequence(Qt::Key_F7), this, [this] { CompileText(); });
-    script->addAction(QStringLiteral("&Ausführen"), QKeySequence(Qt::Key_F5), this, [this] { RunText(); });
+    QAction* compile = script->addAction(style()->standardIcon(QStyle::SP_DialogApplyButton), QStringLiteral("Ü&bersetzen"),
+                                         QKeySequence(Qt::Key_F7), this, [this] { CompileText(); });
+    QAction* run = script->addAction(style()->standardIcon(QStyle::SP_MediaPlay), QStringLiteral("&Ausführen"),
+                                     QKeySequence(Qt::Key_F5), this, [this] { RunText(); });
+    stopAction = script->addAction(style()->standardIcon(QStyle::SP_MediaStop), QStringLiteral("&Stoppen"),
+                                   QKeySequence(Qt::Key_Escape), this, [this] { StopRun(); });
+    stopAction->setEnabled(false);
     script->addSeparator();
-    script->addAction(QStringLiteral("&Vorspann-Ordner …"), this, [this] { ChoosePreludeDirectory(); });
+    idleOnly << compile << run
+             << script->addAction(QStringLiteral("&Vorspann-Ordner …"), this, [this] { ChoosePreludeDirectory(); });
+
+    QToolBar* tools = addToolBar(QStringLiteral("Script"));
+    tools->setObjectName(QStringLiteral("scriptToolBar"));
+    tools->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    tools->addAction(compile);
+    tools->addAction(run);
+    tools->addAction(stopAction);
 }
 
 // --- recent files --------------------------------------------------------------------

@@ -12,6 +12,9 @@
 #include <QPlainTextEdit>
 
 #include <QDialogButtonBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QStandardPaths>
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QMenu>
@@ -35,6 +38,19 @@ CString TextOf(CQelEditWindow& window) {
     return window.Editor().GetTextRange(0, static_cast<int>(window.Editor().GetTextLength()));
 }
 
+// Counts the paint events of a widget.
+class PaintCounter : public QObject {
+public:
+    PaintCounter(QWidget* widget, int& count) : paints(count) { widget->installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) ++paints;
+        return false;
+    }
+
+private:
+    int& paints;
+};
+
 // Message boxes: caption and text of each, answered with OK.
 struct Boxes {
     QStringList captions;
@@ -57,6 +73,8 @@ class QelEditTest : public QObject {
 
 private slots:
     void initTestCase() {
+        QStandardPaths::setTestModeEnabled(true);
+        QDir(CRecovery::DefaultDirectory()).removeRecursively();
         // Recent files go to a settings file of this test alone.
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settingsDirectory.path());
         services = std::make_unique<CQtEditorServices>();
@@ -360,6 +378,83 @@ private slots:
         QDialogButtonBox buttons(QDialogButtonBox::Cancel | QDialogButtonBox::Yes);
         QCOMPARE(buttons.button(QDialogButtonBox::Cancel)->text().remove(u'&'), QStringLiteral("Abbrechen"));
         QCOMPARE(buttons.button(QDialogButtonBox::Yes)->text().remove(u'&'), QStringLiteral("Ja"));
+    }
+
+    // Esc ends an endless loop at once; meanwhile the window paints and its
+    // commands answer, and the unsaved text waits in the recovery file.
+    void escapeStopsAnEndlessLoop() {
+        CQelEditWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        const CString script("VAR i : INTEGER;\rBEGIN\r  LOOP i := i + 1 END\rEND.");
+        window.Editor().SetWindowText(script);
+        QVERIFY(window.IsModified());
+        QPlainTextEdit* view = ViewOf(window);
+        view->setFocus();
+
+        QElapsedTimer sinceEscape;
+        bool stopEnabled = false;
+        bool recoveryWritten = false;
+        int paints = 0;
+        PaintCounter counter(view->viewport(), paints);
+        QTimer::singleShot(300, &window, [&] {
+            stopEnabled = window.StopAction()->isEnabled();
+            recoveryWritten = !QDir(CRecovery::DefaultDirectory()).entryList({QStringLiteral("*.qel")}).isEmpty();
+            view->viewport()->update();
+            QTimer::singleShot(100, &window, [&] {
+                sinceEscape.start();
+                QTest::keyClick(view, Qt::Key_Escape);
+            });
+        });
+        QCOMPARE(window.RunText(), 0);
+        const qint64 stopMilliseconds = sinceEscape.elapsed();
+        QVERIFY2(stopMilliseconds < 200, qPrintable(QString::number(stopMilliseconds)));
+        QVERIFY(stopEnabled);
+        QVERIFY(paints > 0);
+        QVERIFY(recoveryWritten);
+        QVERIFY(QDir(CRecovery::DefaultDirectory()).entryList({QStringLiteral("*.qel")}).isEmpty());
+        QCOMPARE(window.LastRunText(), QStringLiteral("Ausführen: abgebrochen"));
+        QCOMPARE(TextOf(window), script);
+        QVERIFY(!window.StopAction()->isEnabled());
+    }
+
+    void closingDuringARunStopsItFirst() {
+        CQelEditWindow window;
+        window.show();
+        window.Editor().SetWindowText("BEGIN LOOP END END.");
+        QStringList questions;
+        ModalHandler answers([&](QWidget* modal) {
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            questions << box->text();
+            box->button(questions.size() == 1 ? QMessageBox::Yes : QMessageBox::Discard)->click();
+        });
+        QTimer::singleShot(200, &window, [&] { window.close(); });
+        QCOMPARE(window.RunText(), 0);
+        QTRY_VERIFY(!window.isVisible());
+        QCOMPARE(questions.size(), 2);
+        QVERIFY(questions[0].contains(u"läuft"));
+        QVERIFY(questions[1].contains(u"speichern"));
+    }
+
+    void workLeftByADeadEditorIsOfferedBack() {
+        QTemporaryDir temporary;
+        const QString path = temporary.filePath(QStringLiteral("verloren.qel"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("BEGIN END.\n");
+        file.close();
+        constexpr qint64 goneProcess = 2147483646;
+        QVERIFY(CRecovery(CRecovery::DefaultDirectory(), goneProcess).Save(path, "BEGIN\n  MeldungInt(1)\nEND."));
+        QCOMPARE(CRecovery(CRecovery::DefaultDirectory()).Left().size(), size_t{1});
+
+        CQelEditWindow window;
+        ModalHandler yes([](QWidget* modal) { qobject_cast<QMessageBox*>(modal)->button(QMessageBox::Yes)->click(); });
+        QVERIFY(window.OfferRecovery());
+        QCOMPARE(window.FilePath(), path);
+        QCOMPARE(TextOf(window), CString("BEGIN\r  MeldungInt(1)\rEND."));
+        QVERIFY(window.IsModified());
+        QVERIFY(CRecovery(CRecovery::DefaultDirectory()).Left().empty());
+        QVERIFY(!window.OfferRecovery());
     }
 
 private:
