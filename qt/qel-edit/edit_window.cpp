@@ -55,7 +55,7 @@ CQelEditWindow::CQelEditWindow(QWidget* parent) : QMainWindow(parent) {
     modifiedCheck = new QTimer(this);
     modifiedCheck->setSingleShot(true);
     modifiedCheck->setInterval(0);
-    connect(modifiedCheck, &QTimer::timeout, this, [this] { UpdateTitle(); });
+    connect(modifiedCheck, &QTimer::timeout, this, [this] { TextChanged(); });
     connect(widget->GetTextEdit()->document(), &QTextDocument::contentsChanged, modifiedCheck,
             qOverload<>(&QTimer::start));
 
@@ -217,6 +217,7 @@ int CQelEditWindow::RunSession(const QString& command, bool run) {
     if (session.IsRunning()) return 0;
     const CString text = ScriptTextOf(editor);
     const bool keepsRecovery = run && IsModified() && recovery.Save(filePath, text);
+    ClearErrorMark();
     SetRunning(true);
     runStatus->setText(command + QStringLiteral(" …"));
     runStatus->setStyleSheet(QString());
@@ -228,6 +229,8 @@ int CQelEditWindow::RunSession(const QString& command, bool run) {
         runStatus->setStyleSheet(QStringLiteral("color: #c00000;"));
     } else {
         ShowLastRun(command, result, run);
+        const ErrorSite site = LocateError(GetLastScriptError(), session.LastShownError(), PreludePath(preludeDirectory));
+        if (result == 0 && site.known) ShowErrorSite(command, site, text);
     }
     if (closeAfterRun) {
         closeAfterRun = false;
@@ -237,6 +240,35 @@ int CQelEditWindow::RunSession(const QString& command, bool run) {
 }
 
 void CQelEditWindow::StopRun() { session.Stop(); }
+
+// An error in the script puts the caret on its line and marks it until the
+// text changes or the next run; one in the prelude is only named.
+void CQelEditWindow::ShowErrorSite(const QString& command, const ErrorSite& site, const CString& text) {
+    if (site.inPrelude) {
+        runStatus->setText(QStringLiteral("%1: Fehler im Vorspann %2, Zeile %3: %4")
+                               .arg(command, PreludePath(preludeDirectory))
+                               .arg(site.line)
+                               .arg(site.message));
+        return;
+    }
+    runStatus->setText(QStringLiteral("%1: Fehler in Zeile %2: %3").arg(command).arg(site.line).arg(site.message));
+    GoToLine(site.line);
+    widget->SetLineMark(site.line - 1, LineMarkError, true);
+    textAtError = text;
+    errorMarked = true;
+}
+
+void CQelEditWindow::ClearErrorMark() {
+    if (!errorMarked) return;
+    widget->ClearLineMarks(LineMarkError);
+    errorMarked = false;
+}
+
+void CQelEditWindow::TextChanged() {
+    const CString text = ScriptTextOf(editor);
+    setWindowModified(text != savedText);
+    if (errorMarked && text != textAtError) ClearErrorMark();
+}
 
 void CQelEditWindow::SetRunning(bool running) {
     stopAction->setEnabled(running);

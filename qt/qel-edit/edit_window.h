@@ -88,6 +88,9 @@ private:
     void SetRunning(bool running);
     int RunSession(const QString& command, bool run);
     bool AskToStopForClosing();
+    void ShowErrorSite(const QString& command, const ErrorSite& site, const CString& text);
+    void ClearErrorMark();
+    void TextChanged();
 
     CTWScriptEdit editor;
     CQtRichEditWidget* widget = nullptr;
@@ -98,6 +101,8 @@ private:
     CScriptSession session;
     CRecovery recovery{CRecovery::DefaultDirectory()};
     bool closeAfterRun = false;
+    bool errorMarked = false;
+    CString textAtError;
     QLabel* runStatus = nullptr;
     QLabel* preludeStatus = nullptr;
     QTimer* modifiedCheck = nullptr;

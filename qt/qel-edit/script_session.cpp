@@ -5,17 +5,21 @@
 #include "script_files.h"
 
 namespace {
-// The user interface in force, but silent about a cancel the user asked for.
+// The user interface in force, but silent about a cancel the user asked for;
+// it notes what the error dialog showed.
 class CStopAwareUserInterface : public CUserInterface {
 public:
-    CStopAwareUserInterface(CUserInterface& inner, const CRunControl& runControl)
-        : shown(inner), control(runControl) {}
+    CStopAwareUserInterface(CUserInterface& inner, const CRunControl& runControl, ShownError& shownError)
+        : shown(inner), control(runControl), error(shownError) {}
 
     void ShowMessage(const CString& text, const CString& caption, Icon icon) override {
         if (control.IsCancelRequested() && text == "Skript abgebrochen.") return;
         shown.ShowMessage(text, caption, icon);
     }
     void ShowTextDialog(const CString& title, const CString& text, int line, int column) override {
+        error.shown = true;
+        error.line = line;
+        error.markedText = text;
         shown.ShowTextDialog(title, text, line, column);
     }
     bool EnterNumber(const CString& prompt, bool integerMode, int& value) override {
@@ -34,6 +38,7 @@ public:
 private:
     CUserInterface& shown;
     const CRunControl& control;
+    ShownError& error;
 };
 
 // Puts a value in place for its lifetime, and the old one back.
@@ -53,7 +58,8 @@ private:
 
 int CScriptSession::Run(const QString& preludeDirectory, const CString& text, bool run) {
     if (running) return 0;
-    CStopAwareUserInterface userInterface(GetUserInterface(), control);
+    lastError = ShownError();
+    CStopAwareUserInterface userInterface(GetUserInterface(), control, lastError);
     Borrowed<CUserInterface*> shownBy(pUserInterface, &userInterface);
     Borrowed<CRunControl*> controlledBy(pRunControl, &control);
     control.Reset();

@@ -11,6 +11,7 @@
 #include <QString>
 
 #include "qelkern/qelkern.h"
+#include "error_site.h"
 #include "qelkern/runcontrol.h"
 
 class CScriptSession {
@@ -27,9 +28,12 @@ public:
     void Stop();
     // Whether the last run ended by Stop.
     bool WasStopped() const { return stopped; }
+    // What the error dialog of the last run showed, if it came up.
+    const ShownError& LastShownError() const { return lastError; }
 
 private:
     CRunControl control;
     bool running = false;
     bool stopped = false;
+    ShownError lastError;
 };

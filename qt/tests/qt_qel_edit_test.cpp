@@ -166,7 +166,7 @@ private slots:
         QVERIFY(markerLine.size() > 3);
         QVERIFY(caretBlock == errorBlock || caretBlock == errorBlock + 1);
         QCOMPARE(boxes.texts, QStringList{QStringLiteral("Fehler im Parser")});
-        QCOMPARE(window.LastRunText(), QStringLiteral("Übersetzen: Ergebnis 0"));
+        QVERIFY2(window.LastRunText().startsWith(u"Übersetzen: Fehler in Zeile 2: "), qPrintable(window.LastRunText()));
         // The editor's own text is untouched by the error display.
         QCOMPARE(TextOf(window), CString("BEGIN\r  MeldungInt(\"a\", \"b\", x)\rEND."));
     }
@@ -378,6 +378,40 @@ private slots:
         QDialogButtonBox buttons(QDialogButtonBox::Cancel | QDialogButtonBox::Yes);
         QCOMPARE(buttons.button(QDialogButtonBox::Cancel)->text().remove(u'&'), QStringLiteral("Abbrechen"));
         QCOMPARE(buttons.button(QDialogButtonBox::Yes)->text().remove(u'&'), QStringLiteral("Ja"));
+    }
+
+    // The caret goes to the error's line in the user's file, which stays
+    // marked until the text changes; an error of the prelude names it.
+    void compileErrorPutsTheCaretOnItsLine() {
+        QTemporaryDir temporary;
+        QFile prelude(temporary.filePath(QStringLiteral("extern.qel")));
+        QVERIFY(prelude.open(QIODevice::WriteOnly));
+        prelude.write("CONST Eins = 1;\nCONST Zwei = 2;\n");
+        prelude.close();
+        CQelEditWindow window;
+        window.show();
+        window.SetPreludeDirectory(temporary.path(), true);
+        window.Editor().SetWindowText("VAR a : INTEGER;\rBEGIN\r  a := Eins;\r  a := Zwei;\r  a := Drei;\rEND.");
+        ModalHandler boxes([](QWidget* modal) { qobject_cast<QDialog*>(modal)->accept(); });
+        QCOMPARE(window.CompileText(), 0);
+        QTRY_COMPARE(boxes.Handled(), 2);  // the error dialog and "Fehler im Parser"
+        long start = 0, end = 0;
+        window.Editor().GetSel(start, end);
+        QCOMPARE(window.Editor().LineFromChar(start), 4L);
+        QVERIFY(window.Widget()->HasLineMark(4, LineMarkError));
+        QVERIFY2(window.LastRunText().startsWith(u"Übersetzen: Fehler in Zeile 5: "), qPrintable(window.LastRunText()));
+        QVERIFY(window.LastRunText().size() > QStringLiteral("Übersetzen: Fehler in Zeile 5: ").size());
+
+        TypeText(ViewOf(window), QStringLiteral("x"));
+        QTRY_VERIFY(!window.Widget()->HasLineMark(4, LineMarkError));
+
+        QVERIFY(prelude.open(QIODevice::WriteOnly));
+        prelude.write("CONST Eins = 1;\nCONST Zwei = x;\n");
+        prelude.close();
+        QCOMPARE(window.CompileText(), 0);
+        QVERIFY2(window.LastRunText().contains(QStringLiteral("Vorspann %1, Zeile 2").arg(prelude.fileName())),
+                 qPrintable(window.LastRunText()));
+        QVERIFY(!window.Widget()->HasLineMark(1, LineMarkError));
     }
 
     // Esc ends an endless loop at once; meanwhile the window paints and its
