@@ -64,6 +64,7 @@ int main(int argc, char** argv) {
                     CUserInterface::IconError);
         }
         window.show();
+        window.OfferRecovery();
         status = QApplication::exec();
     }
     pBasisPredefinedUmgebung = nullptr;
