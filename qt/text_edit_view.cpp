@@ -111,5 +111,5 @@ void CQtTextEditView::resizeEvent(QResizeEvent* event) {
 // A new font (the zoom) needs other room for the numbers.
 void CQtTextEditView::changeEvent(QEvent* event) {
     QPlainTextEdit::changeEvent(event);
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange) PlaceGutter();
+    if (event->type() == QEvent::FontChange) PlaceGutter();
 }

@@ -12,6 +12,7 @@
 #include <QStatusBar>
 #include <QPlainTextEdit>
 #include <QTimer>
+#include <utility>
 
 #include "qelkern-qt/qtrichedit.h"
 #include "qelkern-qt/qtuserinterface.h"
@@ -193,7 +194,12 @@ void CQelEditWindow::ChoosePreludeDirectory() {
 
 // The word lists of the editors are the process's; they are learnt anew when
 // the prelude changes, so the names of the prelude in force are coloured.
+// The engine compiles one thing at a time: during a run the words wait.
 void CQelEditWindow::LearnWords() {
+    if (session.IsRunning()) {
+        learnAfterRun = true;
+        return;
+    }
     const QString prelude = PreludePath(preludeDirectory);
     if (prelude == learntPrelude) return;
     szKeywords.Empty();
@@ -224,6 +230,7 @@ int CQelEditWindow::RunSession(const QString& command, bool run) {
     const int result = session.Run(preludeDirectory, text, run);
     SetRunning(false);
     if (keepsRecovery) recovery.Discard();
+    if (std::exchange(learnAfterRun, false)) LearnWords();
     if (session.WasStopped()) {
         runStatus->setText(command + QStringLiteral(": abgebrochen"));
         runStatus->setStyleSheet(QStringLiteral("color: #c00000;"));

@@ -101,6 +101,7 @@ private:
     CScriptSession session;
     CRecovery recovery{CRecovery::DefaultDirectory()};
     bool closeAfterRun = false;
+    bool learnAfterRun = false;
     bool errorMarked = false;
     CString textAtError;
     QLabel* runStatus = nullptr;

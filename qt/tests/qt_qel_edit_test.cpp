@@ -470,6 +470,28 @@ private slots:
         QVERIFY(questions[1].contains(u"speichern"));
     }
 
+    // Saving into another directory during a run changes the prelude; its
+    // words are learnt once the run is over, never inside it.
+    void savingDuringARunLearnsThePreludeAfterwards() {
+        QTemporaryDir temporary;
+        QFile prelude(temporary.filePath(QStringLiteral("extern.qel")));
+        QVERIFY(prelude.open(QIODevice::WriteOnly));
+        prelude.write("CONST Waehrend = 1;\n");
+        prelude.close();
+        CQelEditWindow window;
+        window.show();
+        window.Editor().SetWindowText("BEGIN LOOP END END.");
+        bool learntDuringRun = true;
+        QTimer::singleShot(200, &window, [&] {
+            QVERIFY(window.SaveTo(temporary.filePath(QStringLiteral("s.qel"))));
+            learntDuringRun = szConstants.Find(" Waehrend ") >= 0;
+            window.StopRun();
+        });
+        QCOMPARE(window.RunText(), 0);
+        QVERIFY(!learntDuringRun);
+        QVERIFY(szConstants.Find(" Waehrend ") >= 0);
+    }
+
     void workLeftByADeadEditorIsOfferedBack() {
         QTemporaryDir temporary;
         const QString path = temporary.filePath(QStringLiteral("verloren.qel"));
