@@ -91,6 +91,7 @@ void CQtRichEditWidget::SetText(const char* text) {
         s.Document()->setPlainText(ToQt(text));
         s.formats.Reset(s.DocumentLength());
         s.painter.MarkAll();
+        ++s.textRevision;
         if (s.updateLocks > 0) {
             s.batch = QTextCursor(s.Document());
             s.batch.beginEditBlock();
@@ -238,3 +239,5 @@ void CQtRichEditWidget::TextChangedOutside() {
     state->pendingFormat.reset();
     NotifyChanged();
 }
+
+unsigned CQtRichEditWidget::TextRevision() const { return state->textRevision; }

@@ -55,6 +55,7 @@ struct CQtRichEditWidget::State {
     std::function<void(int line)> gutterClicked;
     std::function<void(QChar)> rejectedCharacter;
     bool autoIndent = false;
+    unsigned textRevision = 0;
     qt_richedit::FormatPainter painter;
     std::deque<qt_richedit::UndoStep> undo;
     std::deque<qt_richedit::UndoStep> redo;  // steps taken back, newest last
@@ -103,6 +104,7 @@ struct CQtRichEditWidget::State {
     void Paint();
     // The text of [start, start + removed) became `inserted` characters long.
     void TextReplaced(int start, int removed, int inserted) {
+        ++textRevision;
         painter.Shift(start, removed, inserted);
         painter.Mark(start, start + inserted);
     }

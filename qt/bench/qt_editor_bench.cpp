@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <string>
 
+#include "edit_window.h"
 #include "qelkern-qt/qtrichedit.h"
 #include "qelkern-qt/qtuserinterface.h"
 #include "qelkern/qelkern.h"
@@ -139,6 +140,32 @@ void BM_QtScrollOnePage(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations());  // pages
 }
 BENCHMARK(BM_QtScrollOnePage)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime();
+// The same keystrokes in qel-edit's window: with the gutter, the check of
+// the text against the saved one and the window's own repaint.
+void BM_QelEditTypeOneCharacter(benchmark::State& state) {
+    CQelEditWindow window;
+    window.resize(900, 700);
+    window.show();
+    window.Editor().SetWindowText(Script(static_cast<int>(state.range(0))).c_str());
+    QPlainTextEdit* view = window.Widget()->GetTextEdit();
+    QApplication::processEvents();
+    const long middle = window.Editor().LineIndex(static_cast<int>(state.range(0) / 2) + 5) + 10;
+    window.Editor().SetSel(middle, middle);
+    const auto key = [&](Qt::Key code, const QString& text) {
+        QKeyEvent press(QEvent::KeyPress, code, Qt::NoModifier, text);
+        QApplication::sendEvent(view, &press);
+        QKeyEvent release(QEvent::KeyRelease, code, Qt::NoModifier, text);
+        QApplication::sendEvent(view, &release);
+        QApplication::processEvents();
+        window.repaint();
+    };
+    for (auto _ : state) {
+        key(Qt::Key_X, QStringLiteral("x"));
+        key(Qt::Key_Backspace, QString());
+    }
+    state.SetItemsProcessed(state.iterations() * 2);  // keystrokes
+}
+BENCHMARK(BM_QelEditTypeOneCharacter)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime();
 }  // namespace
 
 int main(int argc, char** argv) {

@@ -135,7 +135,10 @@ bool CQelEditWindow::SaveAs() {
     return SaveTo(PathOf(chosen));
 }
 
-bool CQelEditWindow::IsModified() const { return ScriptTextOf(editor) != savedText; }
+// Most edits change the length, which is known without reading the text.
+bool CQelEditWindow::IsModified() const {
+    return editor.GetTextLength() != savedText.GetLength() || ScriptTextOf(editor) != savedText;
+}
 
 bool CQelEditWindow::ConfirmDiscard() {
     if (!IsModified()) return true;
@@ -237,7 +240,7 @@ int CQelEditWindow::RunSession(const QString& command, bool run) {
     } else {
         ShowLastRun(command, result, run);
         const ErrorSite site = LocateError(GetLastScriptError(), session.LastShownError(), PreludePath(preludeDirectory));
-        if (result == 0 && site.known) ShowErrorSite(command, site, text);
+        if (result == 0 && site.known) ShowErrorSite(command, site);
     }
     if (closeAfterRun) {
         closeAfterRun = false;
@@ -250,7 +253,7 @@ void CQelEditWindow::StopRun() { session.Stop(); }
 
 // An error in the script puts the caret on its line and marks it until the
 // text changes or the next run; one in the prelude is only named.
-void CQelEditWindow::ShowErrorSite(const QString& command, const ErrorSite& site, const CString& text) {
+void CQelEditWindow::ShowErrorSite(const QString& command, const ErrorSite& site) {
     if (site.inPrelude) {
         runStatus->setText(QStringLiteral("%1: Fehler im Vorspann %2, Zeile %3: %4")
                                .arg(command, PreludePath(preludeDirectory))
@@ -261,7 +264,7 @@ void CQelEditWindow::ShowErrorSite(const QString& command, const ErrorSite& site
     runStatus->setText(QStringLiteral("%1: Fehler in Zeile %2: %3").arg(command).arg(site.line).arg(site.message));
     GoToLine(site.line);
     widget->SetLineMark(site.line - 1, LineMarkError, true);
-    textAtError = text;
+    revisionAtError = widget->TextRevision();
     errorMarked = true;
 }
 
@@ -271,10 +274,14 @@ void CQelEditWindow::ClearErrorMark() {
     errorMarked = false;
 }
 
+// Colouring changes formats only: the widget's revision tells a change of
+// the text, so the whole text is not read for every repaint of colours.
 void CQelEditWindow::TextChanged() {
-    const CString text = ScriptTextOf(editor);
-    setWindowModified(text != savedText);
-    if (errorMarked && text != textAtError) ClearErrorMark();
+    const unsigned revision = widget->TextRevision();
+    if (revision == checkedRevision) return;
+    checkedRevision = revision;
+    if (errorMarked && revision != revisionAtError) ClearErrorMark();
+    setWindowModified(IsModified());
 }
 
 void CQelEditWindow::SetRunning(bool running) {

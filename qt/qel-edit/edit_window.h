@@ -88,7 +88,7 @@ private:
     void SetRunning(bool running);
     int RunSession(const QString& command, bool run);
     bool AskToStopForClosing();
-    void ShowErrorSite(const QString& command, const ErrorSite& site, const CString& text);
+    void ShowErrorSite(const QString& command, const ErrorSite& site);
     void ClearErrorMark();
     void TextChanged();
 
@@ -103,7 +103,8 @@ private:
     bool closeAfterRun = false;
     bool learnAfterRun = false;
     bool errorMarked = false;
-    CString textAtError;
+    unsigned revisionAtError = 0;
+    unsigned checkedRevision = 0;
     QLabel* runStatus = nullptr;
     QLabel* preludeStatus = nullptr;
     QTimer* modifiedCheck = nullptr;

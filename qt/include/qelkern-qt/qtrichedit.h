@@ -112,6 +112,10 @@ public:
     // text cannot hold (beyond Latin-1); off at first.
     void SetRejectedCharacterHandler(std::function<void(QChar)> handler);
 
+    // Counts the changes of the text (not of its formats): a host can tell
+    // whether the text changed since it last looked without reading it.
+    unsigned TextRevision() const;
+
     // Inspection, for hosts and tests.
     int UndoStepCount() const;
     bool IsUpdateLocked() const;
