@@ -2,6 +2,7 @@
 #include <QPlainTextEdit>
 #include <QTimer>
 
+#include "qelkern-qt/qtappearance.h"
 #include "qelkern-qt/qtdialogs.h"
 #include "qelkern-qt/qtuserinterface.h"
 #include "qelkern-qt/qtrichedit.h"
@@ -59,6 +60,8 @@ bool CQtTextDialog::BuildWindow() {
     window = std::make_unique<CFlexLayoutWindow>(*this, *resource, parentWindow);
     window->setWindowTitle(Latin1Text(GetWindowText()));
     window->LendItem(IDC_TEXTDIALOG_EDIT, widget->GetTextEdit());
+    // On a dark desktop the error line and the words stay readable.
+    if (IsDarkPalette(window->palette())) widget->SetDisplayColours(DarkDisplayColours(edit, window->palette()));
     WINDOWPLACEMENT placement;
     GetWindowPlacement(&placement);
     if (placement.showCmd == SW_SHOWMAXIMIZED) window->setWindowState(window->windowState() | Qt::WindowMaximized);

@@ -14,9 +14,9 @@
 #include <QTimer>
 #include <utility>
 
+#include "qelkern-qt/qtappearance.h"
 #include "qelkern-qt/qtrichedit.h"
 #include "qelkern-qt/qtuserinterface.h"
-#include "appearance.h"
 #include "find_dialog.h"
 #include "script_files.h"
 

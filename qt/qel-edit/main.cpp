@@ -5,10 +5,10 @@
 #include <QFileInfo>
 #include <cstdio>
 
-#include "appearance.h"
 #include "command_line.h"
 #include "edit_window.h"
 #include "qel_environment.h"
+#include "qelkern-qt/qtappearance.h"
 #include "qelkern-qt/qtuserinterface.h"
 
 #ifndef QELKERN_VERSION

@@ -21,12 +21,12 @@
 #include <QSet>
 #include <QSettings>
 
-#include "appearance.h"
 #include "edit_window.h"
 #include "find_dialog.h"
 #include "gui_test_support.h"
 #include "qel_environment.h"
 #include "qelkern-qt/qtdialogs.h"
+#include "qelkern-qt/qtappearance.h"
 #include "qelkern-qt/qtrichedit.h"
 
 namespace {

@@ -94,6 +94,24 @@ private slots:
         QVERIFY(PixelsNear(shot, QColor(0, 0, 255)) > 50);
     }
 
+    // The second colour set on a dark palette.
+    void editorOnADarkPalette() {
+        QPalette dark(QColor(0x35, 0x35, 0x35));
+        dark.setColor(QPalette::Base, QColor(0x1E, 0x1E, 0x1E));
+        dark.setColor(QPalette::Text, QColor(0xD4, 0xD4, 0xD4));
+        dark.setColor(QPalette::AlternateBase, QColor(0x2A, 0x2A, 0x2A));
+        CQelEditWindow window;
+        window.setPalette(dark);
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/loops.qel")));
+        window.resize(900, 420);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        const QImage shot = window.grab().toImage();
+        QVERIFY(!SaveShot(shot, QStringLiteral("editor-dark.png")).isEmpty());
+        QVERIFY(PixelsNear(shot, QColor(0x6C, 0xB4, 0xFF)) > 50);  // keywords
+        QVERIFY(PixelsNear(shot, QColor(0, 0, 255)) < 5);          // not the light set's blue
+    }
+
     // Line numbers and the marked line of a compile error.
     void editorWithAMarkedErrorLine() {
         CQelEditWindow window;

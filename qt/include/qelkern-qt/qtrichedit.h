@@ -6,10 +6,13 @@
 // the desktop framework, so that a control written for that framework runs
 // unchanged on a real desktop.
 //
-// Text crosses the boundary as Latin-1 with '\r' paragraph ends. The undo
-// history is the widget's own (the document's is off): format changes are
-// never undo steps, a replacement without undo adds none, and one that changes
-// the length drops the older steps, which would no longer fit the text.
+// Text crosses the boundary as Latin-1 with '\r' paragraph ends. The formats
+// live beside the document, one small id per character, and reach the screen
+// through each block's layout, so that colouring a long script never touches
+// the document. The undo history is the widget's own (the document's is off):
+// format changes are never undo steps, a replacement without undo adds none,
+// and one that changes the length drops the older steps, which would no longer
+// fit the text.
 #pragma once
 
 #include <QColor>

@@ -1,5 +1,6 @@
-// How qel-edit looks beyond the control's own colouring: Qt's own texts in
-// German, and a colour set for dark palettes.
+// How the editors look beyond the control's own colouring: Qt's own texts in
+// the user's language (German when Qt has none for it), and a colour set for
+// dark palettes.
 #pragma once
 
 #include <QColor>

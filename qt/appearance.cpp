@@ -1,4 +1,4 @@
-#include "appearance.h"
+#include "qelkern-qt/qtappearance.h"
 
 #include <QCoreApplication>
 #include <QLibraryInfo>
