@@ -732,5 +732,6 @@ void CInterpreter::err(CString text) {
     CString shown;
     shown.Format("%s", static_cast<const char*>(text));
     GetUserInterface().ShowMessage(shown, CString(), CUserInterface::IconError);
+    errorText = text;
     failed = 1;
 }
