@@ -53,7 +53,7 @@ void CQelEditWindow::StopRun() { session.Stop(); }
 void CQelEditWindow::ShowErrorSite(const QString& command, const ErrorSite& site) {
     if (site.inPrelude) {
         runStatus->setText(QStringLiteral("%1: Fehler im Vorspann %2, Zeile %3: %4")
-                               .arg(command, PreludePath(preludeDirectory))
+                               .arg(command, site.file.isEmpty() ? PreludePath(preludeDirectory) : site.file)
                                .arg(site.line)
                                .arg(site.message));
         return;

@@ -35,6 +35,7 @@ ErrorSite LocateError(const CScriptError& record, const ShownError& shown, const
         site.inPrelude = record.inPrelude;
         site.line = record.scriptLine;
         site.message = Latin1Text(record.message);
+        site.file = QFile::decodeName(record.file.str().c_str());
         return site;
     }
     if (!shown.shown) return site;
@@ -43,5 +44,6 @@ ErrorSite LocateError(const CScriptError& record, const ShownError& shown, const
     site.inPrelude = shown.line < preludeLines;
     site.line = (site.inPrelude ? shown.line : shown.line - preludeLines) + 1;
     site.message = MarkerMessage(shown.markedText);
+    if (site.inPrelude) site.file = preludePath;
     return site;
 }

@@ -20,6 +20,7 @@ struct ErrorSite {
     bool inPrelude = false;
     int line = 0;  // from 1, in the file it lies in
     QString message;
+    QString file;  // the file it lies in, when the engine names it
 };
 
 // From the engine's error record when it has one, else from the dialog and

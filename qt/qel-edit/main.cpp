@@ -10,10 +10,7 @@
 #include "qel_environment.h"
 #include "qelkern-qt/qtappearance.h"
 #include "qelkern-qt/qtuserinterface.h"
-
-#ifndef QELKERN_VERSION
-#define QELKERN_VERSION "unknown"
-#endif
+#include "qelkern/version.h"
 
 namespace {
 const char usage[] =
@@ -33,7 +30,7 @@ int main(int argc, char** argv) {
         std::fputs(usage, stdout);
         return 0;
     case CommandLine::Version:
-        std::printf("qel-edit %s\n", QELKERN_VERSION);
+        std::printf("qel-edit %s\n", QELKERN_VERSION_STRING);
         return 0;
     case CommandLine::UsageError:
         std::fprintf(stderr, "qel-edit: %s\n%s", line.error.c_str(), usage);
@@ -44,7 +41,7 @@ int main(int argc, char** argv) {
 
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("qel-edit"));
-    QApplication::setApplicationVersion(QStringLiteral(QELKERN_VERSION));
+    QApplication::setApplicationVersion(QStringLiteral(QELKERN_VERSION_STRING));
     LoadQtTranslations(application);
 
     CQtEditorServices services;
