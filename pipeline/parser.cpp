@@ -1,6 +1,8 @@
 // The parser's frame: construction, the top of the parse, error reporting.
 #include "qelkern/parser.h"
 
+#include "pipeline/name_index.h"
+#include "pipeline/nesting.h"
 #include "qelkern/userinterface.h"
 
 namespace {
@@ -37,7 +39,10 @@ const char* const errorTitle = "Fehler Parser";
 }  // namespace
 
 CParser::CParser(CScanner* scannerToRead, CGenerator* generatorToFill, bool showErrorsToUser)
-    : scanner(scannerToRead), generator(generatorToFill), showErrors(showErrorsToUser) {
+    : scanner(scannerToRead),
+      generator(generatorToFill),
+      showErrors(showErrorsToUser),
+      nameIndex(std::make_unique<NameIndex>()) {
     CPredefinedTyp* root = new CPredefinedTyp(symInteger);
     root->name = "integer";
     PredefinedTypen.Add(root);
@@ -61,10 +66,21 @@ CParser::~CParser() {
 }
 
 void CParser::Parse() {
-    scanner->GetSym();
-    NewBlock();
-    block("main");
-    DoneBlock();
+    Object* const outerScope = topScope;
+    const int outerLevel = level;
+    nesting = 0;
+    stackFloor = StackFloor();
+    try {
+        scanner->GetSym();
+        NewBlock();
+        block("main");
+        DoneBlock();
+    } catch (const NestingTooDeep&) {
+        topScope = outerScope;
+        level = outerLevel;
+        err(nestingMessage);
+        return;
+    }
     if (scanner->sym != symPeriod) err(9);
 }
 

@@ -1,5 +1,8 @@
 // The symbol table: scopes as a Head with a chain of entries, searched
 // from the innermost scope outward, names compared without regard to case.
+// Each scope also has a hash of its names, so that a block of many
+// declarations costs no more per name than a small one.
+#include "pipeline/name_index.h"
 #include "qelkern/parser.h"
 
 Object::~Object() = default;
@@ -22,14 +25,9 @@ void CParser::DoneBlock() {
 }
 
 Object* CParser::NewObj(ObjectClass c) {
-    if (topScope != nullptr) {
-        for (Object* entry = topScope->next; entry != nullptr; entry = entry->next) {
-            if (entry->name.CompareNoCase(scanner->id) == 0) {
-                err(22);
-                break;
-            }
-        }
-    }
+    std::string key = FoldedName(scanner->id);
+    NameIndex::Names* scopeNames = topScope ? &nameIndex->scopes[topScope] : nullptr;
+    if (scopeNames && scopeNames->count(key)) err(22);
     Object* obj = new Object();
     allObjects.Add(obj);
     obj->name = scanner->id;
@@ -39,15 +37,18 @@ Object* CParser::NewObj(ObjectClass c) {
     if (topScope != nullptr) {
         topScope->lastInScope->next = obj;
         topScope->lastInScope = obj;
+        scopeNames->emplace(std::move(key), obj);  // a second one is never found
     }
     return obj;
 }
 
 Object* CParser::find(CString name) {
+    const std::string key = FoldedName(name);
     for (Object* scope = topScope; scope != nullptr; scope = scope->outerScope) {
-        for (Object* entry = scope->next; entry != nullptr; entry = entry->next) {
-            if (entry->name.CompareNoCase(name) == 0) return entry;
-        }
+        auto scopeNames = nameIndex->scopes.find(scope);
+        if (scopeNames == nameIndex->scopes.end()) continue;
+        auto hit = scopeNames->second.find(key);
+        if (hit != scopeNames->second.end()) return hit->second;
     }
     err(11);
     return undefinedObject;

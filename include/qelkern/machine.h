@@ -78,6 +78,11 @@ public:
     VALUE value = MakeNoValue();
     CString comment;
 
+    // Code stores are large and short-lived; a big one is asked of the system
+    // in huge pages where it offers them (machine/code_memory.cpp).
+    static void* operator new[](size_t bytes);
+    static void operator delete[](void* memory) noexcept;
+
 private:
     static VALUE MakeNoValue() { VALUE v; v.type = 0; return v; }
 };
@@ -109,6 +114,8 @@ public:
     void TesteCode(int n);
     void err(CString text);
     void DebugFlushToFile();
+    // Grows the code store to hold `capacity` instructions, if it holds fewer.
+    void ReserveCode(int64_t capacity);
 
     int failed = 0;
     int cx = 0;
