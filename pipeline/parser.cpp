@@ -3,6 +3,7 @@
 
 #include "pipeline/name_index.h"
 #include "pipeline/nesting.h"
+#include "pipeline/own_stack.h"
 #include "qelkern/userinterface.h"
 
 namespace {
@@ -66,22 +67,25 @@ CParser::~CParser() {
 }
 
 void CParser::Parse() {
-    Object* const outerScope = topScope;
-    const int outerLevel = level;
-    nesting = 0;
-    stackFloor = StackFloor();
-    try {
-        scanner->GetSym();
-        NewBlock();
-        block("main");
-        DoneBlock();
-    } catch (const NestingTooDeep&) {
-        topScope = outerScope;
-        level = outerLevel;
-        err(nestingMessage);
-        return;
-    }
-    if (scanner->sym != symPeriod) err(9);
+    const auto parse = [this](const char* floor) {
+        Object* const outerScope = topScope;
+        const int outerLevel = level;
+        nesting = 0;
+        stackFloor = floor;
+        try {
+            scanner->GetSym();
+            NewBlock();
+            block("main");
+            DoneBlock();
+        } catch (const NestingTooDeep&) {
+            topScope = outerScope;
+            level = outerLevel;
+            err(nestingMessage);
+            return;
+        }
+        if (scanner->sym != symPeriod) err(9);
+    };
+    if (!RunOnOwnStack(parse)) parse(StackFloor());
 }
 
 void CParser::EndParser() {}

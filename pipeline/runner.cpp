@@ -52,7 +52,6 @@ bool Compile(CParser& parser) {
         return true;
     } catch (CException* e) {
         e->Delete();
-    } catch (const std::bad_alloc&) {
     }
     parser.ok = 0;  // an incomplete compile must never run
     return false;
@@ -82,13 +81,23 @@ int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, b
     return result;
 }
 
+// Shown once the run's objects are gone, so that the box has memory again.
+void ReportOutOfMemory() {
+    try {
+        GetUserInterface().ShowMessage("Nicht genügend Speicher für das Skript.", "",
+                                       CUserInterface::IconError);
+    } catch (const std::bad_alloc&) {
+    }
+}
+
 }  // namespace
 
 int RunScript(CString dir, char* text, int length, bool showErrors, bool run) {
     try {
         return CompileAndRun(dir, text, length, showErrors, run);
     } catch (const std::bad_alloc&) {
-        return 0;  // a text too large for memory fails like any other run
+        ReportOutOfMemory();
+        return 0;
     }
 }
 
@@ -97,10 +106,15 @@ int RunScript(CString dir, char* text, int length, bool showErrors) {
 }
 
 int RunScript(CString dir, CString file, bool showErrors) {
-    CString text;
-    LeseTextAusDatei(file, text);  // a missing file is an empty script
-    std::string bytes = text.str();
-    return RunScript(dir, bytes.data(), static_cast<int>(bytes.size()), showErrors, true);
+    try {
+        CString text;
+        LeseTextAusDatei(file, text);  // a missing file is an empty script
+        std::string bytes = text.str();
+        return RunScript(dir, bytes.data(), static_cast<int>(bytes.size()), showErrors, true);
+    } catch (const std::bad_alloc&) {
+        ReportOutOfMemory();
+        return 0;
+    }
 }
 
 int LeseTextAusDatei(CString path, CString& text) {
