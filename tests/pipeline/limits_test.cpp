@@ -87,3 +87,23 @@ TEST(Limits, NestingIsBoundedByACompileError) {
     EXPECT_EQ(RunText(constructs[0].script(CParser::maxNesting - 10), false, false), 1);
     EXPECT_EQ(RunText(constructs[0].script(CParser::maxNesting), false, false), 0);
 }
+
+// Names are hashed per scope: many of them in one block, found without
+// regard to case (Latin-1 umlauts too) and refused when declared twice.
+TEST(Limits, ManyNamesInOneBlock) {
+    const int count = 30000;
+    std::string script = "VAR Äpfel : INTEGER;\n";
+    for (int i = 0; i < count; ++i) script += "v" + std::to_string(i) + " : INTEGER;\n";
+    script += "BEGIN\n";
+    for (int i = 0; i < count; ++i)
+        script += "V" + std::to_string(i) + " := v" + std::to_string(count - 1 - i) + " + 1;\n";
+    EXPECT_EQ(RunText(script + "äPFEL := 1 END.", false, false), 1);
+    EXPECT_EQ(RunText(script + "Äpfel := v" + std::to_string(count) + " END.", false, false), 0);
+
+    ScopedRecordingUi rec;
+    EXPECT_EQ(RunText("VAR Maß, x : INTEGER; MASS : DOUBLE; BEGIN maß := 1 END.", true, false), 1);
+    EXPECT_EQ(RunText("VAR x, ÄPFEL : INTEGER; äpfel : DOUBLE; BEGIN END.", true, false), 0);
+    ASSERT_FALSE(rec.ui.events.empty());
+    EXPECT_NE(rec.ui.events[0].text.str().find("!Ein Bezeichner darf nur einmal vereinbart werden."),
+              std::string::npos);
+}
