@@ -24,6 +24,24 @@ std::string FoldedName(const CString& name) {
     return folded;
 }
 
+CParser::NameIndex::Names* CParser::NameIndex::NamesOf(const Object* scope) {
+    if (scope == lastScope) return lastNames;
+    auto found = scopes.find(scope);
+    Names* names = found == scopes.end() ? nullptr : &found->second;
+    if (names) {
+        lastScope = scope;
+        lastNames = names;
+    }
+    return names;
+}
+
+CParser::NameIndex::Names& CParser::NameIndex::NamesToDeclareIn(const Object* scope) {
+    Names& names = scopes[scope];
+    lastScope = scope;
+    lastNames = &names;
+    return names;
+}
+
 void CParser::NameIndex::FollowTypeTable() {
     const int rows = PredefinedTypen.GetSize();
     const CPredefinedTyp* root = rows > 0 ? PredefinedTypen[0] : nullptr;

@@ -16,6 +16,12 @@ struct CParser::NameIndex {
 
     // The first entry of each name, per scope Head.
     std::unordered_map<const Object*, Names> scopes;
+    // The names of a scope, or null if it has none; the last scope asked
+    // for is kept at hand, mostly the innermost one.
+    Names* NamesOf(const Object* scope);
+    Names& NamesToDeclareIn(const Object* scope);
+    const Object* lastScope = nullptr;
+    Names* lastNames = nullptr;
 
     // Index in PredefinedTypen of the first row of each name and tag. Rows are
     // only ever appended while a parser lives, so the index follows the table

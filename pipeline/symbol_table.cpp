@@ -26,7 +26,7 @@ void CParser::DoneBlock() {
 
 Object* CParser::NewObj(ObjectClass c) {
     std::string key = FoldedName(scanner->id);
-    NameIndex::Names* scopeNames = topScope ? &nameIndex->scopes[topScope] : nullptr;
+    NameIndex::Names* scopeNames = topScope ? &nameIndex->NamesToDeclareIn(topScope) : nullptr;
     if (scopeNames && scopeNames->count(key)) err(22);
     Object* obj = new Object();
     allObjects.Add(obj);
@@ -45,10 +45,10 @@ Object* CParser::NewObj(ObjectClass c) {
 Object* CParser::find(CString name) {
     const std::string key = FoldedName(name);
     for (Object* scope = topScope; scope != nullptr; scope = scope->outerScope) {
-        auto scopeNames = nameIndex->scopes.find(scope);
-        if (scopeNames == nameIndex->scopes.end()) continue;
-        auto hit = scopeNames->second.find(key);
-        if (hit != scopeNames->second.end()) return hit->second;
+        NameIndex::Names* scopeNames = nameIndex->NamesOf(scope);
+        if (scopeNames == nullptr) continue;
+        auto hit = scopeNames->find(key);
+        if (hit != scopeNames->end()) return hit->second;
     }
     err(11);
     return undefinedObject;

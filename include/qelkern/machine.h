@@ -78,11 +78,6 @@ public:
     VALUE value = MakeNoValue();
     CString comment;
 
-    // Code stores are large and short-lived; a big one is asked of the system
-    // in huge pages where it offers them (machine/code_memory.cpp).
-    static void* operator new[](size_t bytes);
-    static void operator delete[](void* memory) noexcept;
-
 private:
     static VALUE MakeNoValue() { VALUE v; v.type = 0; return v; }
 };
