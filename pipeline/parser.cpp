@@ -44,9 +44,10 @@ CParser::CParser(CScanner* scannerToRead, CGenerator* generatorToFill, bool show
       generator(generatorToFill),
       showErrors(showErrorsToUser),
       nameIndex(std::make_unique<NameIndex>()) {
-    CPredefinedTyp* root = new CPredefinedTyp(symInteger);
+    auto root = std::make_unique<CPredefinedTyp>(symInteger);
     root->name = "integer";
-    PredefinedTypen.Add(root);
+    PredefinedTypen.Add(root.get());
+    root.release();  // the table owns its rows
 
     for (const char* text : numberedErrors) errorTexts.Add(text);
     stopElseElsifEnd.Add(symElse);

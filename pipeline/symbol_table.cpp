@@ -2,14 +2,21 @@
 // from the innermost scope outward, names compared without regard to case.
 // Each scope also has a hash of its names, so that a block of many
 // declarations costs no more per name than a small one.
+#include <memory>
+
 #include "pipeline/name_index.h"
 #include "qelkern/parser.h"
 
 Object::~Object() = default;
 
+// Every entry is owned by allObjects before anything else can fail.
+Object* CParser::Own(std::unique_ptr<Object> entry) {
+    allObjects.Add(entry.get());
+    return entry.release();
+}
+
 void CParser::NewBlock() {
-    Object* head = new Object();
-    allObjects.Add(head);
+    Object* head = Own(std::make_unique<Object>());
     head->objectClass = Head;
     head->lastInScope = head;
     head->outerScope = topScope;
@@ -28,8 +35,7 @@ Object* CParser::NewObj(ObjectClass c) {
     std::string key = FoldedName(scanner->id);
     NameIndex::Names* scopeNames = topScope ? &nameIndex->NamesToDeclareIn(topScope) : nullptr;
     if (scopeNames && scopeNames->count(key)) err(22);
-    Object* obj = new Object();
-    allObjects.Add(obj);
+    Object* obj = Own(std::make_unique<Object>());
     obj->name = scanner->id;
     obj->objectClass = c;
     obj->level = level;

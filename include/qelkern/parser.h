@@ -148,6 +148,7 @@ public:
 private:
     // Every Object the parser made, for the destructor.
     CArrayT<Object*> allObjects;
+    Object* Own(std::unique_ptr<Object> entry);
 
     // Helpers of the productions (language/).
     struct BlockFrame;
