@@ -60,7 +60,7 @@ gen_declarations() {
 # Nesting as deep as Lua's parser allows (about 200 levels of syntax in all):
 # IFs 60 deep around a line with 60 parentheses, repeated.
 gen_nesting() {
-  awk -v n="$((LINES / 100))" -v lang="$1" 'BEGIN {
+  awk -v n="$((LINES / 10))" -v lang="$1" 'BEGIN {
     depth = 60
     opening = ""; closing = ""
     for (i = 0; i < depth; i++) { opening = opening "("; closing = closing ")" }

@@ -79,9 +79,10 @@ public:
     CParser& operator=(const CParser&) = delete;
 
     // Compiles the whole text. Expressions, statements and routines nest at
-    // most `maxNesting` levels together, and never deeper than the calling
-    // thread's stack allows with room to spare; deeper text is the compile
-    // error "Zu tief verschachtelt." like any other.
+    // most `maxNesting` levels together; deeper text is the compile error
+    // "Zu tief verschachtelt." like any other. The recursion runs on a stack
+    // of its own, on the calling thread, so the depth does not depend on the
+    // caller's stack (without one, on the caller's stack, with room kept).
     void Parse();
     static constexpr int maxNesting = 10000;
     void EndParser();
