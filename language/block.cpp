@@ -8,6 +8,7 @@
 void CParser::block(CString name) {
     if (!ok) return;
     WriteString("block");
+    NestingGuard depth(*this);
     BlockFrame frame;
     frame.name = name;
     frame.openJump = generator->Label();

@@ -34,6 +34,7 @@ bool IsBitOperator(Symbol sym) { return sym == symBitAnd || sym == symBitOr; }
 Symbol CParser::expression() {
     if (!ok) return symNull;
     WriteString("expression");
+    NestingGuard depth(*this);
     if (scanner->sym == symNot || scanner->sym == symBitNot) return PrefixExpression();
     Symbol type = SimpleExpression();
     int relation = RelationOperation(scanner->sym);

@@ -2,6 +2,7 @@
 // working state of a block, and the texts used in more than one place.
 #pragma once
 
+#include "pipeline/nesting.h"
 #include "qelkern/parser.h"
 #include "qelkern/scanner.h"
 #include "qelkern/value.h"

@@ -1,9 +1,15 @@
 // The statement dispatcher and lists of statements: assignment, compound,
 // IF, and the jumps BREAK, CONTINUE and EXIT.
+#include <algorithm>
+#include <cstdint>
+#include <new>
+
 #include "language/productions.h"
 #include "qelkern/machine.h"
 
 namespace {
+
+constexpr int64_t planMargin = 1000;
 
 bool StartsStatement(Symbol sym) {
     switch (sym) {
@@ -28,6 +34,8 @@ bool StartsStatement(Symbol sym) {
 void CParser::statement() {
     if (!ok) return;
     WriteString("statement");
+    NestingGuard depth(*this);
+    PlanCodeStore();
     switch (scanner->sym) {
     case symIdent:
         IdentifierStatement();
@@ -78,6 +86,29 @@ void CParser::statements(const CWordArray& stopSymbols) {
             return;
         }
         if (Contains(stopSymbols, scanner->sym)) return;
+    }
+}
+
+// Doubling alone would construct and copy the code store a dozen times on a
+// long text. Once the store is nearly full it is grown for the rest of the
+// text at the rate of code per byte read so far, and by a quarter at least,
+// so that a rate that rises late still costs a constant per instruction. An
+// odd start (a big array copied early) must not claim too much: at most
+// eightfold at once, or one instruction for every two bytes of text.
+void CParser::PlanCodeStore() {
+    const int64_t capacity = generator->interpreter->codeCapacity;
+    const int64_t used = generator->cx;
+    if (used + planMargin < capacity) return;
+    const int64_t read = scanner->index;
+    const int64_t total = scanner->length;
+    if (read <= 0 || total < read) return;
+    const int64_t projected = (used * total / read) * 17 / 16 + planMargin;
+    const int64_t wanted = std::max(std::min(projected, std::max(8 * capacity, total / 2)),
+                                    capacity + capacity / 4 + planMargin);
+    try {
+        generator->ReserveCode(wanted);
+    } catch (const std::bad_alloc&) {
+        // Doubling carries on from here as for any text.
     }
 }
 

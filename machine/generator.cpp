@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <new>
+#include <utility>
 
 #include "platform/memory_budget.h"
 #include "qelkern/machine.h"
@@ -13,8 +14,17 @@ bool DebugListingLines = false;
 
 namespace {
 
-constexpr int codeGrowthStep = 10000;
 constexpr int codeReserve = 100;
+constexpr int codeSpare = 10;
+
+// Moves without copying texts; `from` is about to be deleted.
+void MoveInstruction(Instruction& to, Instruction& from) {
+    to.f = from.f;
+    to.l = from.l;
+    to.a = from.a;
+    to.value.MoveFrom(from.value);
+    std::swap(to.comment, from.comment);
+}
 
 }  // namespace
 
@@ -64,16 +74,25 @@ void CGenerator::fixup(CUIntArray* list, int target) {
     if (target > highestPatchedTarget) highestPatchedTarget = target;
 }
 
+// The store at least doubles, so that filling it costs a constant per
+// instruction.
 void CGenerator::TesteCode(int n) {
+    const int64_t needed = static_cast<int64_t>(cx) + n;
+    if (needed <= interpreter->codeCapacity) return;
+    if (needed + codeSpare > INT32_MAX) throw std::bad_alloc();
+    ReserveCode(std::max<int64_t>(2 * static_cast<int64_t>(interpreter->codeCapacity),
+                                  needed + codeSpare));
+}
+
+// Beyond what an int counts, the store stays as it is; TesteCode tells when
+// that is too small.
+void CGenerator::ReserveCode(int64_t capacity) {
     CInterpreter& machine = *interpreter;
-    int64_t needed = static_cast<int64_t>(cx) + n;
-    if (needed <= machine.codeCapacity) return;
-    int64_t capacity = machine.codeCapacity;
-    while (needed + 10 > capacity) capacity += codeGrowthStep;
-    if (capacity > INT32_MAX) throw std::bad_alloc();
+    capacity = std::min<int64_t>(capacity, INT32_MAX);
+    if (capacity <= machine.codeCapacity) return;
     qelkern::ChargeMemory(static_cast<size_t>(capacity - machine.codeCapacity) * sizeof(Instruction));
     Instruction* grown = new Instruction[static_cast<size_t>(capacity)];
-    for (int i = 0; i < cx; ++i) grown[i] = machine.code[i];
+    for (int i = 0; i < cx; ++i) MoveInstruction(grown[i], machine.code[i]);
     delete[] machine.code;
     machine.code = grown;
     machine.codeCapacity = static_cast<int>(capacity);

@@ -3,6 +3,9 @@
 
 #include <cstring>
 
+#include "pipeline/name_index.h"
+#include "pipeline/nesting.h"
+#include "pipeline/own_stack.h"
 #include "qelkern/userinterface.h"
 #include "pipeline/script_error.h"
 
@@ -46,10 +49,14 @@ void ReportFirstError(int ok, const CScanner& scanner, const CString& text) {
 }  // namespace
 
 CParser::CParser(CScanner* scannerToRead, CGenerator* generatorToFill, bool showErrorsToUser)
-    : scanner(scannerToRead), generator(generatorToFill), showErrors(showErrorsToUser) {
-    CPredefinedTyp* root = new CPredefinedTyp(symInteger);
+    : scanner(scannerToRead),
+      generator(generatorToFill),
+      showErrors(showErrorsToUser),
+      nameIndex(std::make_unique<NameIndex>()) {
+    auto root = std::make_unique<CPredefinedTyp>(symInteger);
     root->name = "integer";
-    PredefinedTypen.Add(root);
+    PredefinedTypen.Add(root.get());
+    root.release();  // the table owns its rows
 
     for (const char* text : numberedErrors) errorTexts.Add(text);
     stopElseElsifEnd.Add(symElse);
@@ -70,11 +77,25 @@ CParser::~CParser() {
 }
 
 void CParser::Parse() {
-    scanner->GetSym();
-    NewBlock();
-    block("main");
-    DoneBlock();
-    if (scanner->sym != symPeriod) err(9);
+    const auto parse = [this](const char* floor) {
+        Object* const outerScope = topScope;
+        const int outerLevel = level;
+        nesting = 0;
+        stackFloor = floor;
+        try {
+            scanner->GetSym();
+            NewBlock();
+            block("main");
+            DoneBlock();
+        } catch (const NestingTooDeep&) {
+            topScope = outerScope;
+            level = outerLevel;
+            err(nestingMessage);
+            return;
+        }
+        if (scanner->sym != symPeriod) err(9);
+    };
+    if (!RunOnOwnStack(parse)) parse(StackFloor());
 }
 
 void CParser::EndParser() {}

@@ -142,10 +142,15 @@ int RunScript(CString dir, char* text, int length, bool showErrors) {
 }
 
 int RunScript(CString dir, CString file, bool showErrors) {
-    CString text;
-    LeseTextAusDatei(file, text);  // a missing file is an empty script
-    std::string bytes = text.str();
-    return GuardedRun(dir, bytes.data(), static_cast<int>(bytes.size()), showErrors, true, file);
+    try {
+        CString text;
+        LeseTextAusDatei(file, text);  // a missing file is an empty script
+        std::string bytes = text.str();
+        return GuardedRun(dir, bytes.data(), static_cast<int>(bytes.size()), showErrors, true, file);
+    } catch (const std::bad_alloc&) {
+        RecordOutOfMemory();
+        return 0;
+    }
 }
 
 int LeseTextAusDatei(CString path, CString& text) {

@@ -5,32 +5,12 @@
 #include <climits>
 #include <new>
 
+#include "pipeline/keywords.h"
 #include "qelkern/parser.h"
 #include "qelkern/userinterface.h"
 #include "pipeline/script_error.h"
 
 namespace {
-
-struct KeywordRow {
-    Symbol sym;
-    const char* text;
-};
-
-// Order matters only for EnterKW's rows; lookup is by text.
-const KeywordRow keywordRows[] = {
-    {symDo, "DO"},           {symIf, "IF"},           {symEnd, "END"},
-    {symVar, "VAR"},         {symThen, "THEN"},       {symElse, "ELSE"},
-    {symElsif, "ELSIF"},     {symBegin, "BEGIN"},     {symConst, "CONST"},
-    {symWhile, "WHILE"},     {symRepeat, "REPEAT"},   {symUntil, "UNTIL"},
-    {symFor, "FOR"},         {symTo, "TO"},           {symDownto, "DOWNTO"},
-    {symBreak, "BREAK"},     {symContinue, "CONTINUE"}, {symLoop, "LOOP"},
-    {symDouble, "DOUBLE"},   {symInteger, "INTEGER"}, {symString, "STRING"},
-    {symArray, "ARRAY"},     {symOf, "OF"},           {symHigh, "HIGH"},
-    {symProcedure, "PROCEDURE"}, {symFunction, "FUNCTION"}, {symBitOr, "BITOR"},
-    {symBitAnd, "BITAND"},   {symBitNot, "BITNOT"},   {symOr, "OR"},
-    {symAnd, "AND"},         {symNot, "NOT"},         {symExit, "EXIT"},
-    {symExtern, "EXTERN"},   {symTypedef, "TYPEDEF"}, {symImport, "IMPORT"},
-};
 
 bool isBlank(char c) { return static_cast<unsigned char>(c) <= 32; }
 
@@ -54,7 +34,7 @@ CScanner::CScanner(char* text, int textLength) {
     PredefinedTypen.DeleteAll();
     if (text != nullptr && textLength > 0) buffer.assign(text, text + textLength);
     length = static_cast<int>(buffer.size());
-    for (const KeywordRow& row : keywordRows) EnterKW(row.sym, row.text);
+    for (int row = 0; row < keywordRowCount; ++row) EnterKW(keywordRows[row].sym, keywordRows[row].text);
     nextType = firstTypedefTag;
 }
 

@@ -1,13 +1,29 @@
 // The readers that GetSym dispatches to: words, numbers, comments, strings.
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <string>
 
+#include "pipeline/keywords.h"
 #include "qelkern/numbers.h"
 #include "qelkern/scanner.h"
 
 namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool isNumberByte(char c) { return isDigit(c) || c == '.'; }
+
+// istIdentifierZeichen, looked up: the scanner asks it for every byte of a word.
+bool isWordByte(char c) {
+    static const struct Table {
+        bool word[256];
+        Table() {
+            for (int b = 0; b < 256; ++b) word[b] = istIdentifierZeichen(static_cast<char>(b)) != 0;
+        }
+    } table;
+    return table.word[static_cast<unsigned char>(c)];
+}
 
 // Decimal digits by strtol rules; what does not fit in 32 bits saturates.
 int saturatedInteger(const char* text, const char** end) {
@@ -19,16 +35,34 @@ int saturatedInteger(const char* text, const char** end) {
     return static_cast<int>(number);
 }
 
+// Puts `ch` and the run of bytes behind it that `belongs` accepts into
+// `word`, then reads the character behind the run, as GetCh would one by
+// one. No byte of a run is a line feed, so only `position` moves.
+template <class Accepts>
+void TakeRun(CScanner& s, std::string& word, Accepts belongs) {
+    const int end = std::min(s.length, static_cast<int>(s.buffer.size()));
+    int stop = s.index;
+    if (stop >= 0)
+        while (stop < end && belongs(s.buffer[static_cast<size_t>(stop)])) ++stop;
+    word.assign(1, s.ch);
+    if (stop > s.index) word.append(s.buffer.data() + s.index, static_cast<size_t>(stop - s.index));
+    s.position += stop - s.index;
+    s.index = stop;
+    s.GetCh();
+}
+
 }  // namespace
 
+// The language's own keywords are found by BuiltInKeyword; rows that a host
+// entered behind them are searched in turn.
 void CScanner::Identifier() {
-    id.Empty();
-    do {
-        id += ch;
-        GetCh();
-    } while (istIdentifierZeichen(ch));
-    sym = symIdent;
-    for (int row = 0; row < keywordCount; ++row) {
+    // One buffer per thread, so reading a word does not allocate.
+    thread_local std::string word;
+    TakeRun(*this, word, isWordByte);
+    id = CString(std::string_view(word));
+    sym = BuiltInKeyword(word.data(), word.size());
+    if (sym != symIdent) return;
+    for (int row = keywordRowCount; row < keywordCount; ++row) {
         if (id.CompareNoCase(keywords[row].name) == 0) {
             sym = keywords[row].sym;
             return;
@@ -38,23 +72,18 @@ void CScanner::Identifier() {
 
 void CScanner::Number() {
     sym = symNumber;
-    CString text;
-    bool hasPoint = false;
-    while (isDigit(ch) || ch == '.') {
-        hasPoint = hasPoint || ch == '.';
-        text += ch;
-        GetCh();
-    }
-    const char* start = text;
+    std::string text;
+    TakeRun(*this, text, isNumberByte);
+    const char* start = text.c_str();
     const char* end = start;
-    if (hasPoint) {
+    if (text.find('.') != std::string::npos) {
         char* stop = nullptr;
         value = zahlAusText(start, &stop);
         end = stop;
     } else {
         value = saturatedInteger(start, &end);
     }
-    if (end != start + text.GetLength()) Mark("Fehler bei der Zahlenangabe.");
+    if (end != start + text.size()) Mark("Fehler bei der Zahlenangabe.");
 }
 
 // Entered on the '*' of "(*". Nesting is counted, not recursed, so that deep

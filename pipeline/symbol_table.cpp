@@ -1,12 +1,22 @@
 // The symbol table: scopes as a Head with a chain of entries, searched
 // from the innermost scope outward, names compared without regard to case.
+// Each scope also has a hash of its names, so that a block of many
+// declarations costs no more per name than a small one.
+#include <memory>
+
+#include "pipeline/name_index.h"
 #include "qelkern/parser.h"
 
 Object::~Object() = default;
 
+// Every entry is owned by allObjects before anything else can fail.
+Object* CParser::Own(std::unique_ptr<Object> entry) {
+    allObjects.Add(entry.get());
+    return entry.release();
+}
+
 void CParser::NewBlock() {
-    Object* head = new Object();
-    allObjects.Add(head);
+    Object* head = Own(std::make_unique<Object>());
     head->objectClass = Head;
     head->lastInScope = head;
     head->outerScope = topScope;
@@ -22,16 +32,10 @@ void CParser::DoneBlock() {
 }
 
 Object* CParser::NewObj(ObjectClass c) {
-    if (topScope != nullptr) {
-        for (Object* entry = topScope->next; entry != nullptr; entry = entry->next) {
-            if (entry->name.CompareNoCase(scanner->id) == 0) {
-                err(22);
-                break;
-            }
-        }
-    }
-    Object* obj = new Object();
-    allObjects.Add(obj);
+    std::string key = FoldedName(scanner->id);
+    NameIndex::Names* scopeNames = topScope ? &nameIndex->NamesToDeclareIn(topScope) : nullptr;
+    if (scopeNames && scopeNames->count(key)) err(22);
+    Object* obj = Own(std::make_unique<Object>());
     obj->name = scanner->id;
     obj->objectClass = c;
     obj->level = level;
@@ -39,15 +43,18 @@ Object* CParser::NewObj(ObjectClass c) {
     if (topScope != nullptr) {
         topScope->lastInScope->next = obj;
         topScope->lastInScope = obj;
+        scopeNames->emplace(std::move(key), obj);  // a second one is never found
     }
     return obj;
 }
 
 Object* CParser::find(CString name) {
+    const std::string key = FoldedName(name);
     for (Object* scope = topScope; scope != nullptr; scope = scope->outerScope) {
-        for (Object* entry = scope->next; entry != nullptr; entry = entry->next) {
-            if (entry->name.CompareNoCase(name) == 0) return entry;
-        }
+        NameIndex::Names* scopeNames = nameIndex->NamesOf(scope);
+        if (scopeNames == nullptr) continue;
+        auto hit = scopeNames->find(key);
+        if (hit != scopeNames->end()) return hit->second;
     }
     err(11);
     return undefinedObject;

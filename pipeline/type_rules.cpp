@@ -1,4 +1,5 @@
 // The table of TYPEDEF types and the rules by which types meet.
+#include "pipeline/name_index.h"
 #include "qelkern/machine.h"
 #include "qelkern/parser.h"
 
@@ -15,12 +16,6 @@ void CPredefinedTypArray::DeleteAll() {
 
 namespace {
 
-CPredefinedTyp* rowOfSymbol(int symbol) {
-    for (CPredefinedTyp* row : PredefinedTypen)
-        if (row->symbol == symbol) return row;
-    return nullptr;
-}
-
 bool isNumeric(int type) { return type == symInteger || type == symDouble; }
 
 }  // namespace
@@ -35,11 +30,7 @@ int CParser::GetTyp(Symbol& t) {
     return 1;
 }
 
-CPredefinedTyp* CParser::GetPredefinedTyp(CString name) {
-    for (CPredefinedTyp* row : PredefinedTypen)
-        if (row->name.CompareNoCase(name) == 0) return row;
-    return nullptr;
-}
+CPredefinedTyp* CParser::GetPredefinedTyp(CString name) { return nameIndex->TypeByName(name); }
 
 // Directed: walks from `b` toward the root, so a derived value may stand where
 // its base is wanted and not the other way round. The chain of a table of n
@@ -48,7 +39,7 @@ int CParser::GleicherTyp(Symbol a, Symbol b) {
     int current = b;
     for (int steps = 0; steps <= PredefinedTypen.GetSize(); ++steps) {
         if (a == current) return 1;
-        CPredefinedTyp* row = rowOfSymbol(current);
+        CPredefinedTyp* row = nameIndex->TypeBySymbol(current);
         if (row == nullptr || row->base == nullptr) return 0;
         current = row->base->symbol;
     }

@@ -119,6 +119,8 @@ public:
     void MarkSource(int line, int position);
     // The place of the statement whose code holds `address`; false: unknown.
     bool SourceOf(int address, int& line, int& position) const;
+    // Grows the code store to hold `capacity` instructions, if it holds fewer.
+    void ReserveCode(int64_t capacity);
 
     int failed = 0;
     int cx = 0;

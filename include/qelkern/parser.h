@@ -2,6 +2,8 @@
 // productions of the language.
 #pragma once
 
+#include <memory>
+
 #include "qelkern/machine.h"
 #include "qelkern/platform.h"
 #include "qelkern/scanner.h"
@@ -76,7 +78,13 @@ public:
     CParser(const CParser&) = delete;
     CParser& operator=(const CParser&) = delete;
 
+    // Compiles the whole text. Expressions, statements and routines nest at
+    // most `maxNesting` levels together; deeper text is the compile error
+    // "Zu tief verschachtelt." like any other. The recursion runs on a stack
+    // of its own, on the calling thread, so the depth does not depend on the
+    // caller's stack (without one, on the caller's stack, with room kept).
     void Parse();
+    static constexpr int maxNesting = 10000;
     void EndParser();
     void WriteString(const char* production);
     void test(Symbol s, int n);
@@ -141,6 +149,7 @@ public:
 private:
     // Every Object the parser made, for the destructor.
     CArrayT<Object*> allObjects;
+    Object* Own(std::unique_ptr<Object> entry);
 
     // Helpers of the productions (language/).
     struct BlockFrame;
@@ -179,4 +188,14 @@ private:
     void PushArrayCopy(Object* variable, bool hostStrings);
     void TakeBack(Object* variable);
     void HostStringCell();
+
+    // Depth of the productions that can recurse (language/productions.h).
+    struct NestingGuard;
+    int nesting = 0;
+    const char* stackFloor = nullptr;
+    void PlanCodeStore();
+    // Hash lookup of names per scope and of the type table's rows
+    // (pipeline/name_index.h).
+    struct NameIndex;
+    std::unique_ptr<NameIndex> nameIndex;
 };

@@ -1,0 +1,93 @@
+// The compiler's own stack: reserved address space, committed by the system
+// only as the recursion touches it, entered and left by swapcontext on the
+// calling thread, so that dialogs and host calls still happen on that thread.
+#include "pipeline/own_stack.h"
+
+#include <sys/mman.h>
+#include <ucontext.h>
+
+#include <exception>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define QEL_ADDRESS_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define QEL_ADDRESS_SANITIZER 1
+#endif
+#endif
+#ifdef QEL_ADDRESS_SANITIZER
+#include <sanitizer/common_interface_defs.h>
+#endif
+
+namespace {
+
+constexpr size_t stackSize = size_t{256} << 20;
+constexpr size_t guardSize = size_t{64} << 10;
+// Below the floor: what the deepest level may still need, a dialog among it.
+constexpr size_t floorReserve = size_t{4} << 20;
+
+struct Switch {
+    ucontext_t caller{};
+    ucontext_t own{};
+    const std::function<void(const char*)>* work = nullptr;
+    const char* floor = nullptr;
+    std::exception_ptr thrown;
+    // The address sanitizer is told of each change of stack.
+    void* fakeStack = nullptr;
+    const void* callerBottom = nullptr;
+    size_t callerSize = 0;
+};
+
+// makecontext passes ints only.
+thread_local Switch* entering = nullptr;
+
+void Enter() {
+    Switch& s = *entering;
+#ifdef QEL_ADDRESS_SANITIZER
+    __sanitizer_finish_switch_fiber(nullptr, &s.callerBottom, &s.callerSize);
+#endif
+    try {
+        (*s.work)(s.floor);
+    } catch (...) {
+        s.thrown = std::current_exception();
+    }
+#ifdef QEL_ADDRESS_SANITIZER
+    __sanitizer_start_switch_fiber(nullptr, s.callerBottom, s.callerSize);
+#endif
+}  // on to s.caller by uc_link
+
+}  // namespace
+
+bool RunOnOwnStack(const std::function<void(const char* floor)>& work) {
+    void* memory = mmap(nullptr, stackSize, PROT_READ | PROT_WRITE,
+                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_STACK, -1, 0);
+    if (memory == MAP_FAILED) return false;
+    char* const lowest = static_cast<char*>(memory);
+    mprotect(lowest, guardSize, PROT_NONE);
+
+    Switch s;
+    s.work = &work;
+    s.floor = lowest + floorReserve;
+    if (getcontext(&s.own) != 0) {
+        munmap(memory, stackSize);
+        return false;
+    }
+    s.own.uc_stack.ss_sp = lowest;
+    s.own.uc_stack.ss_size = stackSize;
+    s.own.uc_link = &s.caller;
+    makecontext(&s.own, Enter, 0);
+
+    Switch* const outer = entering;
+    entering = &s;
+#ifdef QEL_ADDRESS_SANITIZER
+    __sanitizer_start_switch_fiber(&s.fakeStack, lowest, stackSize);
+#endif
+    swapcontext(&s.caller, &s.own);
+#ifdef QEL_ADDRESS_SANITIZER
+    __sanitizer_finish_switch_fiber(s.fakeStack, nullptr, nullptr);
+#endif
+    entering = outer;
+    munmap(memory, stackSize);
+    if (s.thrown) std::rethrow_exception(s.thrown);
+    return true;
+}
