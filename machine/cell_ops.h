@@ -110,6 +110,11 @@ QEL_TRY_ARITHMETIC(TryMultiply, WrapMul, *)
 QEL_TRY_ARITHMETIC(TryDivide, SafeDiv, /)
 #undef QEL_TRY_ARITHMETIC
 
+// Division where a zero divisor is left to the caller's report.
+inline bool TryCheckedDivide(VALUE& left, const VALUE& right) {
+    return IsNumber(right) && !NumberIsZero(right) && TryDivide(left, right);
+}
+
 inline void Add(VALUE& left, const VALUE& right) {
     if (!TryAdd(left, right)) left = left + right;
 }

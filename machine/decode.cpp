@@ -4,6 +4,8 @@
 
 namespace qelkern {
 
+bool fuseSteps = true;
+
 namespace {
 
 Op OperationStep(intptr_t operation) {
@@ -49,6 +51,116 @@ int UsedLength(const CInterpreter& m) {
         --length;
     return length;
 }
+
+namespace {
+
+struct BinaryForms {
+    Op plain, loadLit, loadLoad, lit, store, loadLitStore;
+};
+constexpr BinaryForms binaryForms[] = {
+#define QEL_FORMS(name, operation) \
+    {Op::name, Op::LoadLit##name, Op::LoadLoad##name, Op::Lit##name, Op::name##Store, Op::LoadLit##name##Store},
+    QEL_BINARY_OPERATIONS(QEL_FORMS)
+#undef QEL_FORMS
+};
+
+struct RelationForms {
+    Op plain, loadLitJump, loadLoadJump;
+};
+constexpr RelationForms relationForms[] = {
+#define QEL_FORMS(name, operation) {Op::name, Op::LoadLit##name##Jump, Op::LoadLoad##name##Jump},
+    QEL_RELATIONS(QEL_FORMS)
+#undef QEL_FORMS
+};
+
+const BinaryForms* BinaryOf(const Step& step) {
+    for (const BinaryForms& forms : binaryForms)
+        if (forms.plain == step.plain) return &forms;
+    return nullptr;
+}
+
+const RelationForms* RelationOf(const Step& step) {
+    for (const RelationForms& forms : relationForms)
+        if (forms.plain == step.plain) return &forms;
+    return nullptr;
+}
+
+bool IsLocalLoad(const Step& step) { return step.plain == Op::Load || step.plain == Op::LoadParameter; }
+bool IsLocalStore(const Step& step) {
+    return step.plain == Op::Store || step.plain == Op::StoreParameter;
+}
+bool IsLit(const Step& step) {
+    return step.plain == Op::LitInt || step.plain == Op::LitDouble || step.plain == Op::LitValue;
+}
+
+// The fused form of the sequence from `at`, longest first; false: none.
+bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int at) {
+    auto plain = [&](int k) -> const Step* {
+        return at + k < length ? &steps[static_cast<size_t>(at + k)] : nullptr;
+    };
+    Step& step = steps[static_cast<size_t>(at)];
+    const Step *s1 = plain(1), *s2 = plain(2), *s3 = plain(3);
+    auto literal = [&](int k) { return &code[at + k].value; };
+    auto forwardJump = [&](const Step* jump) { return jump && jump->plain == Op::JumpIfZero; };
+    if (IsLocalLoad(step) && s1 && s2) {
+        const BinaryForms* binary = BinaryOf(*s2);
+        const RelationForms* relation = RelationOf(*s2);
+        if (IsLit(*s1) && binary && s3 && IsLocalStore(*s3)) {
+            step.op = binary->loadLitStore;
+            step.fusedLiteral = literal(1);
+            step.second = s3->a;
+            return true;
+        }
+        if ((IsLit(*s1) || IsLocalLoad(*s1)) && relation && forwardJump(s3)) {
+            step.op = IsLit(*s1) ? relation->loadLitJump : relation->loadLoadJump;
+            if (IsLit(*s1)) step.fusedLiteral = literal(1);
+            else step.second = s1->a;
+            step.target = s3->to;
+            return true;
+        }
+        if ((s1->plain == Op::Increment || s1->plain == Op::Decrement) && IsLocalStore(*s2) &&
+            s2->a == step.a) {
+            step.op = s1->plain == Op::Increment ? Op::IncrementVariable : Op::DecrementVariable;
+            return true;
+        }
+        if (IsLit(*s1) && binary) {
+            step.op = binary->loadLit;
+            step.fusedLiteral = literal(1);
+            return true;
+        }
+        if (IsLocalLoad(*s1) && binary) {
+            step.op = binary->loadLoad;
+            step.second = s1->a;
+            return true;
+        }
+    }
+    if (!s1) return false;
+    if (IsLit(step) && BinaryOf(*s1)) {
+        step.op = BinaryOf(*s1)->lit;
+        step.fusedLiteral = literal(0);
+        return true;
+    }
+    if (IsLit(step) && IsLocalStore(*s1)) {
+        step.op = Op::LitStore;
+        step.fusedLiteral = literal(0);
+        step.second = s1->a;
+        return true;
+    }
+    if (BinaryOf(step) && IsLocalStore(*s1)) {
+        step.op = BinaryOf(step)->store;
+        step.second = s1->a;
+        return true;
+    }
+    return false;
+}
+
+// Every address gets the fused form of the sequence that starts there, so a
+// jump into the middle of one finds the fused form of the rest.
+void Fuse(std::vector<Step>& steps, const Instruction* code, int length) {
+    for (int at = 0; at < length; ++at) FuseAt(steps, code, length, at);
+}
+
+}  // namespace
 
 // Steps 0 to length - 1 stand for the instructions at the same addresses.
 // Step `length` and those behind it are OutOfCode steps: the first is reached
@@ -121,6 +233,8 @@ std::vector<Step> Decode(const Instruction* code, int length) {
     end.a = length;
     // Only now do the steps stay where they are.
     for (const auto& [at, to] : jumps) steps[at].to = &steps[static_cast<size_t>(to)];
+    for (Step& step : steps) step.plain = step.op;
+    if (fuseSteps) Fuse(steps, code, length);
     return steps;
 }
 

@@ -205,11 +205,51 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
 //
 // Backward jumps and calls, the only way a run can go on for long, stop at
 // `checkAt` (see CheckPosition) before they are carried out.
+// Labels as values (GCC and Clang) make the threaded dispatch.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic"
 [[gnu::noinline]] void RunFast(Registers& registers, const Step* steps, int length, VALUE* s,
                                int capacity, intptr_t checkAt) {
     Registers r = registers;
     VALUE* const limit = s + (capacity - stackReserve);
+    // Cell b + a of the current frame, or null outside the stack.
+    auto Local = [&](intptr_t a) -> VALUE* {
+        const int64_t cell = static_cast<int64_t>(r.b) + a;
+        return IsCell(cell, capacity) ? s + cell : nullptr;
+    };
 #define QEL_LEAVE() goto leave
+    // A fused step that cannot go on: the instructions before address
+    // `done` of it are carried out, the plain steps take over from there.
+#define QEL_LEAVE_AT(done, newTop) \
+    do {                           \
+        r.top = (newTop);          \
+        r.next += (done);          \
+        goto leave;                \
+    } while (0)
+    // LOD a; LIT or LOD; OPR: the result in c, the second operand above it.
+    // Both pushes must stay out of the reserve, or the stack has to grow in
+    // between, as the plain steps do.
+#define QEL_LOAD_LIT(operation)                                          \
+    VALUE* const variable = Local(step->a);                               \
+    VALUE* const c = r.top + 1;                                          \
+    if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
+    if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);         \
+    if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
+#define QEL_LOAD_LOAD(operation)                                         \
+    VALUE* const variable = Local(step->a);                               \
+    VALUE* const second = Local(step->second);                            \
+    VALUE* const c = r.top + 1;                                          \
+    if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
+    if (!second || !TryAssign(c[1], *second)) QEL_LEAVE_AT(1, c);        \
+    if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
+#define QEL_JUMP_IF_ZERO(condition)            \
+    if ((condition)->intValue == 0) {          \
+        r.next += 3;                           \
+        Transfer(r, step->target);              \
+        QEL_DISPATCH();                              \
+    }                                          \
+    r.next += 4;                               \
+    QEL_DISPATCH()
 #define QEL_CHECKPOINT() \
     if (r.travel + Position(r.next) >= checkAt) QEL_LEAVE()
     // Behind a push into the reserve: the stack must grow before the next step.
@@ -220,63 +260,91 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
     }
 #define QEL_UNARY(operation) \
     if (!operation(*r.top)) QEL_LEAVE(); \
-    break
+    QEL_NEXT()
 #define QEL_BINARY(operation)                                     \
     if (r.top == s || !operation(r.top[-1], r.top[0])) QEL_LEAVE(); \
     --r.top;                                                      \
-    break
+    QEL_NEXT()
 
-    // A step that goes elsewhere than to the next one continues the loop.
-    for (;;) {
-        const Step& step = *r.next;
-        switch (step.op) {
-            case Op::LitInt:
-                if (!TrySetInt(r.top[1], step.number)) QEL_LEAVE();
+    // Threaded dispatch: every step ends in a jump of its own to the next
+    // step's handler, which the processor predicts far better than one
+    // shared jump. QEL_NEXT goes on with the step behind, QEL_DISPATCH with
+    // the step r.next stands on.
+    static const void* const handlers[] = {
+#define QEL_HANDLER(name) &&op_##name,
+        QEL_PLAIN_STEPS(QEL_HANDLER)
+#undef QEL_HANDLER
+#define QEL_HANDLERS(name, operation) \
+        &&op_LoadLit##name, &&op_LoadLoad##name, &&op_Lit##name, &&op_##name##Store, &&op_LoadLit##name##Store,
+        QEL_BINARY_OPERATIONS(QEL_HANDLERS)
+#undef QEL_HANDLERS
+#define QEL_HANDLERS(name, operation) &&op_LoadLit##name##Jump, &&op_LoadLoad##name##Jump,
+        QEL_RELATIONS(QEL_HANDLERS)
+#undef QEL_HANDLERS
+        &&op_IncrementVariable, &&op_DecrementVariable, &&op_LitStore,
+    };
+    static_assert(sizeof handlers / sizeof handlers[0] == static_cast<size_t>(Op::Count));
+    const Step* step;
+#define QEL_DISPATCH()                                    \
+    do {                                                  \
+        step = r.next;                                    \
+        goto* handlers[static_cast<size_t>(step->op)];    \
+    } while (0)
+#define QEL_NEXT() \
+    do {           \
+        ++r.next;  \
+        QEL_DISPATCH(); \
+    } while (0)
+    QEL_DISPATCH();
+    {
+        {
+            op_LitInt:
+                if (!TrySetInt(r.top[1], step->number)) QEL_LEAVE();
                 ++r.top;
                 QEL_PUSHED();
-                break;
-            case Op::LitDouble:
-                if (!TrySetDouble(r.top[1], step.real)) QEL_LEAVE();
+                QEL_NEXT();
+            op_LitDouble:
+                if (!TrySetDouble(r.top[1], step->real)) QEL_LEAVE();
                 ++r.top;
                 QEL_PUSHED();
-                break;
-            case Op::Load:
-                if (!IsVariable(r, step.a) || !TryAssign(r.top[1], r.frame[step.a])) QEL_LEAVE();
+                QEL_NEXT();
+            op_Load:
+                if (!IsVariable(r, step->a) || !TryAssign(r.top[1], r.frame[step->a])) QEL_LEAVE();
                 ++r.top;
                 QEL_PUSHED();
-                break;
-            case Op::LoadParameter:
-                if (!IsParameter(r, step.a) || !TryAssign(r.top[1], r.frame[step.a])) QEL_LEAVE();
+                QEL_NEXT();
+            op_LoadParameter:
+                if (!IsParameter(r, step->a) || !TryAssign(r.top[1], r.frame[step->a])) QEL_LEAVE();
                 ++r.top;
                 QEL_PUSHED();
-                break;
-            case Op::LoadOuter: {
-                const int64_t cell = DataCell(s, capacity, r.b, step.l, step.a);
+                QEL_NEXT();
+            op_LoadOuter: {
+                const int64_t cell = DataCell(s, capacity, r.b, step->l, step->a);
                 if (!IsCell(cell, capacity) || !TryAssign(r.top[1], s[cell])) QEL_LEAVE();
                 ++r.top;
                 QEL_PUSHED();
-                break;
+                QEL_NEXT();
             }
-            case Op::Store:
-                if (!IsVariable(r, step.a) || r.top == s || !TryAssign(r.frame[step.a], *r.top))
+            op_Store:
+                if (!IsVariable(r, step->a) || r.top == s || !TryAssign(r.frame[step->a], *r.top))
                     QEL_LEAVE();
                 --r.top;
-                break;
-            case Op::StoreParameter:
-                if (!IsParameter(r, step.a) || r.top == s || !TryAssign(r.frame[step.a], *r.top))
+                QEL_NEXT();
+            op_StoreParameter:
+                if (!IsParameter(r, step->a) || r.top == s || !TryAssign(r.frame[step->a], *r.top))
                     QEL_LEAVE();
                 --r.top;
-                break;
-            case Op::StoreOuter: {
-                const int64_t cell = DataCell(s, capacity, r.b, step.l, step.a);
+                QEL_NEXT();
+            op_StoreOuter: {
+                const int64_t cell = DataCell(s, capacity, r.b, step->l, step->a);
                 if (!IsCell(cell, capacity) || r.top == s || !TryAssign(s[cell], *r.top))
                     QEL_LEAVE();
                 --r.top;
-                break;
+                QEL_NEXT();
             }
-            case Op::Call: {
+            op_Call: {
                 QEL_CHECKPOINT();
-                const int link = FollowLinks(s, capacity, r.b, step.l);
+                const int link = FollowLinks(s, capacity, r.b, step->l);
                 VALUE* const cells = r.top + 1;
                 if (link < 0 || cells[0].type == tagString || cells[1].type == tagString ||
                     cells[2].type == tagString)
@@ -287,39 +355,39 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
                 r.b = static_cast<int>(cells - s);
                 r.frame = cells;
                 r.above = static_cast<uintptr_t>(capacity - r.b);
-                Transfer(r, step.to);
-                continue;
+                Transfer(r, step->to);
+                QEL_DISPATCH();
             }
-            case Op::Enter:
+            op_Enter:
                 // Leaves a growth or an underflow to GeneralStep.
-                if (step.a > limit - r.top || step.a < s - r.top) QEL_LEAVE();
-                r.top += step.a;
-                break;
-            case Op::JumpBack: QEL_CHECKPOINT(); [[fallthrough]];
-            case Op::Jump: Transfer(r, step.to); continue;
-            case Op::JumpBackIfZero: QEL_CHECKPOINT(); [[fallthrough]];
-            case Op::JumpIfZero:
+                if (step->a > limit - r.top || step->a < s - r.top) QEL_LEAVE();
+                r.top += step->a;
+                QEL_NEXT();
+            op_JumpBack: QEL_CHECKPOINT();
+            op_Jump: Transfer(r, step->to); QEL_DISPATCH();
+            op_JumpBackIfZero: QEL_CHECKPOINT();
+            op_JumpIfZero:
                 if (r.top == s || !IsNumber(*r.top)) QEL_LEAVE();
                 if (NumberIsZero(*r.top)) {
                     --r.top;
-                    Transfer(r, step.to);
-                    continue;
+                    Transfer(r, step->to);
+                    QEL_DISPATCH();
                 }
                 --r.top;
-                break;
-            case Op::LoadIndexed: {
-                const VALUE* element = IntegerElement(s, capacity, r.b, step, *r.top);
+                QEL_NEXT();
+            op_LoadIndexed: {
+                const VALUE* element = IntegerElement(s, capacity, r.b, *step, *r.top);
                 if (!element || !TryAssign(*r.top, *element)) QEL_LEAVE();
-                break;
+                QEL_NEXT();
             }
-            case Op::StoreIndexed: {
+            op_StoreIndexed: {
                 if (r.top - s < 2) QEL_LEAVE();
-                VALUE* element = IntegerElement(s, capacity, r.b, step, r.top[-1]);
+                VALUE* element = IntegerElement(s, capacity, r.b, *step, r.top[-1]);
                 if (!element || !TryAssign(*element, *r.top)) QEL_LEAVE();
                 r.top -= 2;
-                break;
+                QEL_NEXT();
             }
-            case Op::Return: {
+            op_Return: {
                 const int b = r.b;
                 if (b < 1 || static_cast<int64_t>(b) + 2 >= capacity) QEL_LEAVE();
                 VALUE* const top = s + (b - 1);
@@ -330,57 +398,128 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
                 SetFrame(r, s, capacity);
                 Transfer(r, steps + back);
                 if (r.top > limit) goto leave;
-                continue;
+                QEL_DISPATCH();
             }
-            case Op::Plus: QEL_BINARY(TryAdd);
-            case Op::Minus: QEL_BINARY(TrySubtract);
-            case Op::Times: QEL_BINARY(TryMultiply);
-            case Op::Divide:
+            op_Plus: QEL_BINARY(TryAdd);
+            op_Minus: QEL_BINARY(TrySubtract);
+            op_Times: QEL_BINARY(TryMultiply);
+            op_Divide:
                 if (r.top == s || !IsNumber(*r.top) || NumberIsZero(*r.top) ||
                     !TryDivide(r.top[-1], *r.top))
                     QEL_LEAVE();
                 --r.top;
-                break;
-            case Op::Equal: QEL_BINARY(TryEqual);
-            case Op::NotEqual: QEL_BINARY(TryNotEqual);
-            case Op::Less: QEL_BINARY(TryLess);
-            case Op::GreaterEqual: QEL_BINARY(TryGreaterEqual);
-            case Op::Greater: QEL_BINARY(TryGreater);
-            case Op::LessEqual: QEL_BINARY(TryLessEqual);
-            case Op::BitOr: QEL_BINARY(TryBitOr);
-            case Op::BitAnd: QEL_BINARY(TryBitAnd);
-            case Op::Or: QEL_BINARY(TryOr);
-            case Op::And: QEL_BINARY(TryAnd);
-            case Op::Negate: QEL_UNARY(TryNegate);
-            case Op::Decrement: QEL_UNARY(TryDecrement);
-            case Op::Increment: QEL_UNARY(TryIncrement);
-            case Op::IntCast: QEL_UNARY(TryIntCast);
-            case Op::DoubleCast: QEL_UNARY(TryDoubleCast);
-            case Op::BitNot: QEL_UNARY(TryBitNot);
-            case Op::Not: QEL_UNARY(TryNot);
-            case Op::Nothing: break;
-            case Op::LitValue:
-            case Op::Swap:
-            case Op::External:
-            case Op::ReadInt:
-            case Op::ReadDouble:
-            case Op::Write:
-            case Op::OutOfCode: QEL_LEAVE();
-#if defined(__GNUC__)
-            // Every step is one of the above; the switch needs no range test.
-            default: __builtin_unreachable();
-#endif
+                QEL_NEXT();
+            op_Equal: QEL_BINARY(TryEqual);
+            op_NotEqual: QEL_BINARY(TryNotEqual);
+            op_Less: QEL_BINARY(TryLess);
+            op_GreaterEqual: QEL_BINARY(TryGreaterEqual);
+            op_Greater: QEL_BINARY(TryGreater);
+            op_LessEqual: QEL_BINARY(TryLessEqual);
+            op_BitOr: QEL_BINARY(TryBitOr);
+            op_BitAnd: QEL_BINARY(TryBitAnd);
+            op_Or: QEL_BINARY(TryOr);
+            op_And: QEL_BINARY(TryAnd);
+            op_Negate: QEL_UNARY(TryNegate);
+            op_Decrement: QEL_UNARY(TryDecrement);
+            op_Increment: QEL_UNARY(TryIncrement);
+            op_IntCast: QEL_UNARY(TryIntCast);
+            op_DoubleCast: QEL_UNARY(TryDoubleCast);
+            op_BitNot: QEL_UNARY(TryBitNot);
+            op_Not: QEL_UNARY(TryNot);
+            op_Nothing: QEL_NEXT();
+#define QEL_FUSED_BINARY(name, operation)                                        \
+            op_LoadLit##name: {                                            \
+                QEL_LOAD_LIT(operation);                                         \
+                r.top = c;                                                       \
+                r.next += 3;                                                     \
+                QEL_DISPATCH();                                                        \
+            }                                                                    \
+            op_LoadLoad##name: {                                           \
+                QEL_LOAD_LOAD(operation);                                        \
+                r.top = c;                                                       \
+                r.next += 3;                                                     \
+                QEL_DISPATCH();                                                        \
+            }                                                                    \
+            op_LoadLit##name##Store: {                                     \
+                QEL_LOAD_LIT(operation);                                         \
+                VALUE* const target = Local(step->second);                        \
+                if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
+                r.next += 4;                                                     \
+                QEL_DISPATCH();                                                        \
+            }                                                                    \
+            op_Lit##name: {                                                \
+                VALUE* const c = r.top + 1;                                      \
+                if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE(); \
+                if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
+                r.next += 2;                                                     \
+                QEL_DISPATCH();                                                        \
+            }                                                                    \
+            op_##name##Store: {                                              \
+                if (r.top == s || !operation(r.top[-1], *r.top)) QEL_LEAVE();    \
+                VALUE* const result = r.top - 1;                                 \
+                VALUE* const target = Local(step->second);                        \
+                if (!target || result == s || !TryAssign(*target, *result))      \
+                    QEL_LEAVE_AT(1, result);                                     \
+                r.top = result - 1;                                              \
+                r.next += 2;                                                     \
+                QEL_DISPATCH();                                                        \
+            }
+            QEL_BINARY_OPERATIONS(QEL_FUSED_BINARY)
+#undef QEL_FUSED_BINARY
+            // The relation leaves an integer, which JPC takes without a test.
+#define QEL_FUSED_RELATION(name, operation)                                      \
+            op_LoadLit##name##Jump: {                                      \
+                QEL_LOAD_LIT(operation);                                         \
+                QEL_JUMP_IF_ZERO(c);                                             \
+            }                                                                    \
+            op_LoadLoad##name##Jump: {                                     \
+                QEL_LOAD_LOAD(operation);                                        \
+                QEL_JUMP_IF_ZERO(c);                                             \
+            }
+            QEL_RELATIONS(QEL_FUSED_RELATION)
+#undef QEL_FUSED_RELATION
+            op_IncrementVariable:
+            op_DecrementVariable: {
+                VALUE* const variable = Local(step->a);
+                VALUE* const c = r.top + 1;
+                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!TryStep(*c, step->op == Op::IncrementVariable ? 1 : -1)) QEL_LEAVE_AT(1, c);
+                if (!TryAssign(*variable, *c)) QEL_LEAVE_AT(2, c);
+                r.next += 3;
+                QEL_DISPATCH();
+            }
+            op_LitStore: {
+                VALUE* const c = r.top + 1;
+                if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE();
+                VALUE* const target = Local(step->second);
+                if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(1, c);
+                r.next += 2;
+                QEL_DISPATCH();
+            }
+            op_LitValue:
+            op_Swap:
+            op_External:
+            op_ReadInt:
+            op_ReadDouble:
+            op_Write:
+            op_OutOfCode: QEL_LEAVE();
         }
-        ++r.next;
     }
 leave:
     registers = r;
+#undef QEL_DISPATCH
+#undef QEL_NEXT
 #undef QEL_LEAVE
+#undef QEL_LEAVE_AT
+#undef QEL_LOAD_LIT
+#undef QEL_LOAD_LOAD
+#undef QEL_JUMP_IF_ZERO
 #undef QEL_CHECKPOINT
 #undef QEL_PUSHED
 #undef QEL_UNARY
 #undef QEL_BINARY
 }
+#pragma GCC diagnostic pop
 
 // The machine's p: the address of the step `at`.
 inline int AddressOf(const Step* steps, const Step* at) {
@@ -434,7 +573,7 @@ bool GeneralStep(CInterpreter& m, Registers& r, const Step* steps, int length, R
     operation(top[0], top[1]);                \
     return true
 
-    switch (step.op) {
+    switch (step.plain) {
         case Op::LitInt: SetInt(*++top, step.number); return true;
         case Op::LitDouble: SetDouble(*++top, step.real); return true;
         case Op::LitValue: Assign(*++top, *step.literal); return true;
@@ -579,6 +718,7 @@ bool GeneralStep(CInterpreter& m, Registers& r, const Step* steps, int length, R
             r.next = &step;  // not an instruction: not a step taken
             LeaveCode(m, static_cast<int>(step.a), r.b, QEL_T());
             return false;
+        default: break;  // fused steps: never plain
     }
     return true;
 #undef QEL_T
