@@ -743,13 +743,19 @@ void WriteBack(CInterpreter& m, const Registers& r, const Step* steps) {
     m.t = static_cast<int>(r.top - m.stack);
 }
 
+// Where the run watch looks, here as in the fast loop, so that a run ends at
+// the same instruction whichever loop carries it out.
+inline bool IsCheckpoint(const Step& step) {
+    return step.plain == Op::Call || step.plain == Op::JumpBack || step.plain == Op::JumpBackIfZero;
+}
+
 void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunWatch& watch) {
     for (;;) {
         RunFast(r, steps, length, m.stack, m.stackCapacity, CheckPosition(watch.NextCheck()));
         // Texts come in runs: while the top cell or the next literal is one,
         // the steps stay here rather than go back and forth.
         do {
-            if (StepsTaken(r) >= watch.NextCheck() &&
+            if (StepsTaken(r) >= watch.NextCheck() && IsCheckpoint(*r.next) &&
                 Stopped(m, r, steps, watch.Check(StepsTaken(r)), watch))
                 return;
             if (!InReserve(m, r) && !GeneralStep(m, r, steps, length, watch)) return;
