@@ -108,7 +108,7 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         if (IsLit(*s1) && binary && s3 && IsLocalStore(*s3)) {
             step.op = binary->loadLitStore;
             step.fusedLiteral = literal(1);
-            step.second = s3->a;
+            step.store = s3->a;
             return true;
         }
         if ((IsLit(*s1) || IsLocalLoad(*s1)) && relation && forwardJump(s3)) {
@@ -143,12 +143,12 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
     if (IsLit(step) && IsLocalStore(*s1)) {
         step.op = Op::LitStore;
         step.fusedLiteral = literal(0);
-        step.second = s1->a;
+        step.store = s1->a;
         return true;
     }
     if (BinaryOf(step) && IsLocalStore(*s1)) {
         step.op = BinaryOf(step)->store;
-        step.second = s1->a;
+        step.store = s1->a;
         return true;
     }
     return false;

@@ -114,8 +114,8 @@ enum class Op : uint8_t {
     LoadLit##name,     /* LOD a; LIT literal; OPR                              */ \
     LoadLoad##name,    /* LOD a; LOD second; OPR                               */ \
     Lit##name,         /* LIT literal; OPR                                     */ \
-    name##Store,       /* OPR; STO second                                      */ \
-    LoadLit##name##Store,  /* LOD a; LIT literal; OPR; STO second              */
+    name##Store,       /* OPR; STO store                                       */ \
+    LoadLit##name##Store,  /* LOD a; LIT literal; OPR; STO store               */
     QEL_BINARY_OPERATIONS(QEL_FUSED_BINARY)
 #undef QEL_FUSED_BINARY
 #define QEL_FUSED_RELATION(name, operation)                                        \
@@ -125,7 +125,7 @@ enum class Op : uint8_t {
 #undef QEL_FUSED_RELATION
     IncrementVariable,  // LOD a; OPR ++; STO a
     DecrementVariable,  // LOD a; OPR --; STO a
-    LitStore,           // LIT literal; STO second
+    LitStore,           // LIT literal; STO store
     Count
 };
 
@@ -145,10 +145,14 @@ struct Step {
         const VALUE* literal;    // LitValue
         const Instruction* ins;  // the operations that need the comment or the callback
     };
-    // Operands of fused steps.
-    const VALUE* fusedLiteral;
+    // Operands of fused steps: the second operand, a literal or a variable
+    // of the frame, and where the result goes, a variable or a jump.
     union {
-        intptr_t second;  // offset of the second variable
+        const VALUE* fusedLiteral;
+        intptr_t second;
+    };
+    union {
+        intptr_t store;
         const Step* target;
     };
 };

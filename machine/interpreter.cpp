@@ -442,7 +442,7 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
             }                                                                    \
             op_LoadLit##name##Store: {                                     \
                 QEL_LOAD_LIT(operation);                                         \
-                VALUE* const target = Local(step->second);                        \
+                VALUE* const target = Local(step->store);                         \
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
                 r.next += 4;                                                     \
                 QEL_DISPATCH();                                                        \
@@ -457,7 +457,7 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
             op_##name##Store: {                                              \
                 if (r.top == s || !operation(r.top[-1], *r.top)) QEL_LEAVE();    \
                 VALUE* const result = r.top - 1;                                 \
-                VALUE* const target = Local(step->second);                        \
+                VALUE* const target = Local(step->store);                         \
                 if (!target || result == s || !TryAssign(*target, *result))      \
                     QEL_LEAVE_AT(1, result);                                     \
                 r.top = result - 1;                                              \
@@ -491,7 +491,7 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
             op_LitStore: {
                 VALUE* const c = r.top + 1;
                 if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE();
-                VALUE* const target = Local(step->second);
+                VALUE* const target = Local(step->store);
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(1, c);
                 r.next += 2;
                 QEL_DISPATCH();
