@@ -62,8 +62,21 @@ inline bool TryAssign(VALUE& target, const VALUE& source) {
     return false;
 }
 
+// Both cells hold a text with its string object.
+inline bool AreTexts(const VALUE& a, const VALUE& b) {
+    return a.type == tagString && b.type == tagString && a.stringValue && b.stringValue;
+}
+
+// A text into a cell that holds one: the cell keeps its own string object
+// and takes the text into it, so a loop that fills the same cells again and
+// again allocates nothing.
 inline void Assign(VALUE& target, const VALUE& source) {
-    if (!TryAssign(target, source)) target = source;
+    if (TryAssign(target, source)) return;
+    if (AreTexts(target, source)) {
+        if (&target != &source) *target.stringValue = *source.stringValue;
+        return;
+    }
+    target = source;
 }
 
 // Truth of JPC and NOT: equal to 0 within the tolerance of the = operator.
@@ -115,8 +128,24 @@ inline bool TryCheckedDivide(VALUE& left, const VALUE& right) {
     return IsNumber(right) && !NumberIsZero(right) && TryDivide(left, right);
 }
 
+// Text + anything: the right's text appended in place, as the + operator
+// makes it (a number as its text, any other tag as nothing).
+inline bool TryAppend(VALUE& left, const VALUE& right) {
+    if (left.type != tagString || !left.stringValue) return false;
+    CString& text = *left.stringValue;
+    switch (right.type) {
+        case tagString:
+            if (right.stringValue) text += *right.stringValue;
+            break;
+        case tagInteger: text.AppendFormat("%d", right.intValue); break;
+        case tagDouble: text += FormatFixed(right.doubleValue); break;
+        default: break;
+    }
+    return true;
+}
+
 inline void Add(VALUE& left, const VALUE& right) {
-    if (!TryAdd(left, right)) left = left + right;
+    if (!TryAdd(left, right) && !TryAppend(left, right)) left = left + right;
 }
 inline void Subtract(VALUE& left, const VALUE& right) {
     if (!TrySubtract(left, right)) left = left - right;
@@ -158,17 +187,28 @@ inline bool TryGreaterEqual(VALUE& left, const VALUE& right) {
     return CompareNumbers(left, right, std::greater_equal<>());
 }
 
+// Two texts compare byte by byte without a copy of either.
+template <class Relation>
+inline bool CompareTexts(VALUE& left, const VALUE& right, Relation relation) {
+    if (!AreTexts(left, right)) return false;
+    const int order = left.stringValue->str().compare(right.stringValue->str());
+    left = relation(order, 0) ? 1 : 0;
+    return true;
+}
+
 inline void Less(VALUE& left, const VALUE& right) {
-    if (!TryLess(left, right)) left = left < right;
+    if (!TryLess(left, right) && !CompareTexts(left, right, std::less<>())) left = left < right;
 }
 inline void LessEqual(VALUE& left, const VALUE& right) {
-    if (!TryLessEqual(left, right)) left = left <= right;
+    if (!TryLessEqual(left, right) && !CompareTexts(left, right, std::less_equal<>()))
+        left = left <= right;
 }
 inline void Greater(VALUE& left, const VALUE& right) {
-    if (!TryGreater(left, right)) left = left > right;
+    if (!TryGreater(left, right) && !CompareTexts(left, right, std::greater<>())) left = left > right;
 }
 inline void GreaterEqual(VALUE& left, const VALUE& right) {
-    if (!TryGreaterEqual(left, right)) left = left >= right;
+    if (!TryGreaterEqual(left, right) && !CompareTexts(left, right, std::greater_equal<>()))
+        left = left >= right;
 }
 
 inline bool TryEqual(VALUE& left, const VALUE& right, bool negate) {
@@ -183,7 +223,8 @@ inline bool TryNotEqual(VALUE& left, const VALUE& right) { return TryEqual(left,
 
 inline void Equal(VALUE& left, const VALUE& right, bool negate) {
     if (TryEqual(left, right, negate)) return;
-    const bool equal = (left == right).intValue != 0;
+    const bool equal = AreTexts(left, right) ? *left.stringValue == *right.stringValue
+                                             : (left == right).intValue != 0;
     SetInt(left, equal != negate ? 1 : 0);
 }
 inline void Equal(VALUE& left, const VALUE& right) { Equal(left, right, false); }
