@@ -205,11 +205,16 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
 //
 // Backward jumps and calls, the only way a run can go on for long, stop at
 // `checkAt` (see CheckPosition) before they are carried out.
+// How RunFast ended: on a step it leaves to GeneralStep, or behind a callback
+// that failed (the run is over) or cancelled the run.
+enum class FastEnd { Left, RunOver, Cancelled };
+
 // Labels as values (GCC and Clang) make the threaded dispatch.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpedantic"
-[[gnu::noinline]] void RunFast(Registers& registers, const Step* steps, int length, VALUE* s,
-                               int capacity, intptr_t checkAt) {
+[[gnu::noinline]] FastEnd RunFast(CInterpreter& m, const RunWatch& watch, Registers& registers,
+                                  const Step* steps, int length, VALUE* s, int capacity,
+                                  intptr_t checkAt) {
     Registers r = registers;
     VALUE* const limit = s + (capacity - stackReserve);
     // Cell b + a of the current frame, or null outside the stack.
@@ -496,9 +501,24 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
                 r.next += 2;
                 QEL_DISPATCH();
             }
+            op_External: {
+                // The callback sees the machine as it stands, and so does the
+                // handler of an exception it lets through.
+                if (!step->ins->a) QEL_LEAVE();
+                ++r.next;
+                registers = r;
+                m.p = static_cast<int>(r.next - steps);
+                m.b = r.b;
+                m.t = static_cast<int>(r.top - s);
+                if (!CallExternalRoutine(m, *step->ins)) return FastEnd::RunOver;
+                if (watch.CheckCancel() != StopCause::None) {
+                    registers = r;
+                    return FastEnd::Cancelled;
+                }
+                QEL_DISPATCH();
+            }
             op_LitValue:
             op_Swap:
-            op_External:
             op_ReadInt:
             op_ReadDouble:
             op_Write:
@@ -507,6 +527,7 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
     }
 leave:
     registers = r;
+    return FastEnd::Left;
 #undef QEL_DISPATCH
 #undef QEL_NEXT
 #undef QEL_LEAVE
@@ -751,7 +772,13 @@ inline bool IsCheckpoint(const Step& step) {
 
 void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunWatch& watch) {
     for (;;) {
-        RunFast(r, steps, length, m.stack, m.stackCapacity, CheckPosition(watch.NextCheck()));
+        const FastEnd end = RunFast(m, watch, r, steps, length, m.stack, m.stackCapacity,
+                                    CheckPosition(watch.NextCheck()));
+        if (end == FastEnd::RunOver) return;
+        if (end == FastEnd::Cancelled) {
+            Stopped(m, r, steps, StopCause::Cancelled, watch);
+            return;
+        }
         // Texts come in runs: while the top cell or the next literal is one,
         // the steps stay here rather than go back and forth.
         do {
