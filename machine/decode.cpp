@@ -55,20 +55,22 @@ int UsedLength(const CInterpreter& m) {
 namespace {
 
 struct BinaryForms {
-    Op plain, loadLit, loadLoad, lit, store, loadLitStore;
+    Op plain, loadLit, loadLoad, lit, load, loadLoadStore, store, loadLitStore;
 };
 constexpr BinaryForms binaryForms[] = {
-#define QEL_FORMS(name, operation) \
-    {Op::name, Op::LoadLit##name, Op::LoadLoad##name, Op::Lit##name, Op::name##Store, Op::LoadLit##name##Store},
+#define QEL_FORMS(name, operation)                                                              \
+    {Op::name, Op::LoadLit##name, Op::LoadLoad##name, Op::Lit##name, Op::Load##name,           \
+     Op::LoadLoad##name##Store, Op::name##Store, Op::LoadLit##name##Store},
     QEL_BINARY_OPERATIONS(QEL_FORMS)
 #undef QEL_FORMS
 };
 
 struct RelationForms {
-    Op plain, loadLitJump, loadLoadJump;
+    Op plain, loadLitJump, loadLoadJump, jump;
 };
 constexpr RelationForms relationForms[] = {
-#define QEL_FORMS(name, operation) {Op::name, Op::LoadLit##name##Jump, Op::LoadLoad##name##Jump},
+#define QEL_FORMS(name, operation) \
+    {Op::name, Op::LoadLit##name##Jump, Op::LoadLoad##name##Jump, Op::name##Jump},
     QEL_RELATIONS(QEL_FORMS)
 #undef QEL_FORMS
 };
@@ -105,10 +107,17 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
     if (IsLocalLoad(step) && s1 && s2) {
         const BinaryForms* binary = BinaryOf(*s2);
         const RelationForms* relation = RelationOf(*s2);
-        if (IsLit(*s1) && binary && s3 && IsLocalStore(*s3)) {
-            step.op = binary->loadLitStore;
-            step.fusedLiteral = literal(1);
+        if ((IsLit(*s1) || IsLocalLoad(*s1)) && binary && s3 && IsLocalStore(*s3)) {
+            step.op = IsLit(*s1) ? binary->loadLitStore : binary->loadLoadStore;
+            if (IsLit(*s1)) step.fusedLiteral = literal(1);
+            else step.second = s1->a;
             step.store = s3->a;
+            return true;
+        }
+        if (IsLit(*s1) && s2->plain == Op::StoreIndexed && s2->l <= 0) {
+            step.op = Op::LoadLitStoreElement;
+            step.fusedLiteral = literal(1);
+            step.store = s2->a;
             return true;
         }
         if ((IsLit(*s1) || IsLocalLoad(*s1)) && relation && forwardJump(s3)) {
@@ -135,6 +144,21 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         }
     }
     if (!s1) return false;
+    if (IsLocalLoad(step) && BinaryOf(*s1)) {
+        step.op = BinaryOf(*s1)->load;
+        return true;
+    }
+    if (IsLocalLoad(step) && s1->plain == Op::LoadIndexed) {
+        step.op = Op::LoadElement;
+        step.second = s1->a;
+        step.store = s1->l;
+        return true;
+    }
+    if (RelationOf(step) && forwardJump(s1)) {
+        step.op = RelationOf(step)->jump;
+        step.target = s1->to;
+        return true;
+    }
     if (IsLit(step) && BinaryOf(*s1)) {
         step.op = BinaryOf(*s1)->lit;
         step.fusedLiteral = literal(0);

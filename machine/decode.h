@@ -114,18 +114,23 @@ enum class Op : uint8_t {
     LoadLit##name,     /* LOD a; LIT literal; OPR                              */ \
     LoadLoad##name,    /* LOD a; LOD second; OPR                               */ \
     Lit##name,         /* LIT literal; OPR                                     */ \
+    Load##name,        /* LOD a; OPR                                           */ \
+    LoadLoad##name##Store, /* LOD a; LOD second; OPR; STO store                */ \
     name##Store,       /* OPR; STO store                                       */ \
     LoadLit##name##Store,  /* LOD a; LIT literal; OPR; STO store               */
     QEL_BINARY_OPERATIONS(QEL_FUSED_BINARY)
 #undef QEL_FUSED_BINARY
 #define QEL_FUSED_RELATION(name, operation)                                        \
     LoadLit##name##Jump,   /* LOD a; LIT literal; OPR; JPC target              */ \
-    LoadLoad##name##Jump,  /* LOD a; LOD second; OPR; JPC target               */
+    LoadLoad##name##Jump,  /* LOD a; LOD second; OPR; JPC target               */ \
+    name##Jump,            /* OPR; JPC target                                  */
     QEL_RELATIONS(QEL_FUSED_RELATION)
 #undef QEL_FUSED_RELATION
     IncrementVariable,  // LOD a; OPR ++; STO a
     DecrementVariable,  // LOD a; OPR --; STO a
     LitStore,           // LIT literal; STO store
+    LoadElement,        // LOD a; LODI store, second (level, offset)
+    LoadLitStoreElement,  // LOD a; LIT literal; STOI 0, store
     Count
 };
 

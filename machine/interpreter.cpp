@@ -177,11 +177,11 @@ inline bool IsParameter(const Registers& r, intptr_t a) {
     return r.above != 0 && a >= -static_cast<intptr_t>(r.b);
 }
 
-// The element of LODI and STOI for an integer index inside the array, else null.
-inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
-                             const VALUE& indexCell) {
+// The element of LODI and STOI l, a for an integer index inside the array,
+// else null.
+inline VALUE* ElementOf(VALUE* s, int capacity, int b, int l, intptr_t a, const VALUE& indexCell) {
     if (indexCell.type != tagInteger) return nullptr;
-    const int64_t sizeCell = DataCell(s, capacity, b, step.l, step.a);
+    const int64_t sizeCell = DataCell(s, capacity, b, l, a);
     if (!IsCell(sizeCell, capacity)) return nullptr;
     const VALUE& size = s[sizeCell];
     const int index = indexCell.intValue;
@@ -280,13 +280,16 @@ enum class FastEnd { Left, RunOver, Cancelled };
         QEL_PLAIN_STEPS(QEL_HANDLER)
 #undef QEL_HANDLER
 #define QEL_HANDLERS(name, operation) \
-        &&op_LoadLit##name, &&op_LoadLoad##name, &&op_Lit##name, &&op_##name##Store, &&op_LoadLit##name##Store,
+        &&op_LoadLit##name, &&op_LoadLoad##name, &&op_Lit##name, &&op_Load##name,       \
+        &&op_LoadLoad##name##Store, &&op_##name##Store, &&op_LoadLit##name##Store,
         QEL_BINARY_OPERATIONS(QEL_HANDLERS)
 #undef QEL_HANDLERS
-#define QEL_HANDLERS(name, operation) &&op_LoadLit##name##Jump, &&op_LoadLoad##name##Jump,
+#define QEL_HANDLERS(name, operation) \
+        &&op_LoadLit##name##Jump, &&op_LoadLoad##name##Jump, &&op_##name##Jump,
         QEL_RELATIONS(QEL_HANDLERS)
 #undef QEL_HANDLERS
-        &&op_IncrementVariable, &&op_DecrementVariable, &&op_LitStore,
+        &&op_IncrementVariable, &&op_DecrementVariable, &&op_LitStore, &&op_LoadElement,
+        &&op_LoadLitStoreElement,
     };
     static_assert(sizeof handlers / sizeof handlers[0] == static_cast<size_t>(Op::Count));
     const Step* step;
@@ -381,13 +384,13 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 --r.top;
                 QEL_NEXT();
             op_LoadIndexed: {
-                const VALUE* element = IntegerElement(s, capacity, r.b, *step, *r.top);
+                const VALUE* element = ElementOf(s, capacity, r.b, step->l, step->a, *r.top);
                 if (!element || !TryAssign(*r.top, *element)) QEL_LEAVE();
                 QEL_NEXT();
             }
             op_StoreIndexed: {
                 if (r.top - s < 2) QEL_LEAVE();
-                VALUE* element = IntegerElement(s, capacity, r.b, *step, r.top[-1]);
+                VALUE* element = ElementOf(s, capacity, r.b, step->l, step->a, r.top[-1]);
                 if (!element || !TryAssign(*element, *r.top)) QEL_LEAVE();
                 r.top -= 2;
                 QEL_NEXT();
@@ -452,6 +455,21 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 r.next += 4;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
+            op_Load##name: {                                                     \
+                VALUE* const variable = Local(step->a);                          \
+                VALUE* const c = r.top + 1;                                      \
+                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
+                if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
+                r.next += 2;                                                     \
+                QEL_DISPATCH();                                                  \
+            }                                                                    \
+            op_LoadLoad##name##Store: {                                          \
+                QEL_LOAD_LOAD(operation);                                        \
+                VALUE* const target = Local(step->store);                        \
+                if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
+                r.next += 4;                                                     \
+                QEL_DISPATCH();                                                  \
+            }                                                                    \
             op_Lit##name: {                                                \
                 VALUE* const c = r.top + 1;                                      \
                 if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE(); \
@@ -480,6 +498,19 @@ enum class FastEnd { Left, RunOver, Cancelled };
             op_LoadLoad##name##Jump: {                                     \
                 QEL_LOAD_LOAD(operation);                                        \
                 QEL_JUMP_IF_ZERO(c);                                             \
+            } \
+            op_##name##Jump: {                                                   \
+                if (r.top == s || !operation(r.top[-1], *r.top)) QEL_LEAVE();    \
+                VALUE* const result = r.top - 1;                                 \
+                if (result == s) QEL_LEAVE_AT(1, result);                        \
+                r.top = result - 1;                                              \
+                if (result->intValue == 0) {                                     \
+                    r.next += 1;                                                 \
+                    Transfer(r, step->target);                                   \
+                    QEL_DISPATCH();                                              \
+                }                                                                \
+                r.next += 2;                                                     \
+                QEL_DISPATCH();                                                  \
             }
             QEL_RELATIONS(QEL_FUSED_RELATION)
 #undef QEL_FUSED_RELATION
@@ -499,6 +530,27 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 VALUE* const target = Local(step->store);
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(1, c);
                 r.next += 2;
+                QEL_DISPATCH();
+            }
+            op_LoadElement: {
+                VALUE* const variable = Local(step->a);
+                VALUE* const c = r.top + 1;
+                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                const VALUE* const element =
+                    ElementOf(s, capacity, r.b, static_cast<int>(step->store), step->second, *c);
+                if (!element || !TryAssign(*c, *element)) QEL_LEAVE_AT(1, c);
+                r.top = c;
+                r.next += 2;
+                QEL_DISPATCH();
+            }
+            op_LoadLitStoreElement: {
+                VALUE* const variable = Local(step->a);
+                VALUE* const c = r.top + 1;
+                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);
+                VALUE* const element = ElementOf(s, capacity, r.b, 0, step->store, *c);
+                if (!element || !TryAssign(*element, c[1])) QEL_LEAVE_AT(2, c + 1);
+                r.next += 3;
                 QEL_DISPATCH();
             }
             op_External: {

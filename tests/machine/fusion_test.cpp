@@ -16,6 +16,8 @@
 namespace {
 
 constexpr int variables = 6;
+constexpr int arrayAt = 3 + variables;  // its size cell; the elements follow
+constexpr int arraySize = 4;
 const Operation binaries[] = {oprPlus, oprMinus, oprTimes, oprDivide, oprEqual, oprNotEqual,
                               oprLess, oprGreaterEqual, oprGreater, oprLessEqual, oprBitOr,
                               oprBitAnd, oprOr, oprAnd};
@@ -29,8 +31,8 @@ public:
         // two runs share: a program has texts or those, not both.
         texts = Pick(0, 1) == 0;
         // Now and then the frame reaches close to the end of the first stack.
-        const int frame = Pick(0, 3) == 0 ? Pick(9975, 9995) : 3 + variables;
-        pb.Begin(frame - 3);
+        const int frame = Pick(0, 3) == 0 ? Pick(9975, 9995) : arrayAt + 1 + arraySize;
+        pb.Begin(frame - 3).Lit(arraySize).Ins(STO, 0, arrayAt);
         for (int i = 0; i < pieces; ++i) Piece();
         // Not RET: the links may hold texts by now, whose pointers differ.
         pb.Ins(JMP, 0, 0);
@@ -61,7 +63,7 @@ private:
     void Store() { pb.Ins(STO, 0, Variable()); }
 
     void Piece() {
-        switch (Pick(0, 13)) {
+        switch (Pick(0, 18)) {
             case 0: Load(); pb.Lit(Literal()).Op(Binary()); break;
             case 1: Load(); Load(); pb.Op(Binary()); break;
             case 2: Load(); pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 2 + Pick(1, 4)); break;
@@ -79,6 +81,11 @@ private:
             case 10: pb.Lit(Literal()); break;
             case 11: Store(); break;
             case 12: pb.Ins(Pick(0, 1) ? JPC : JMP, 0, Pick(1, Here())); break;  // back: a loop
+            case 13: Load(); pb.Ins(LODI, 0, arrayAt); break;
+            case 14: Load(); pb.Lit(Literal()).Ins(STOI, 0, arrayAt); break;
+            case 15: pb.Op(Relation()).Ins(JPC, 0, Here() + 2 + Pick(1, 4)); break;
+            case 16: Load(); Load(); pb.Op(Binary()); Store(); break;
+            case 17: Load(); pb.Op(Binary()); break;
             default: pb.Ins(INT, 0, Pick(-3, 3)); break;
         }
     }
