@@ -39,6 +39,16 @@ Op OperationStep(intptr_t operation) {
     }
 }
 
+// INT's count as the distance in bytes that the top moves, so that the loop
+// compares pointers without a division; a count out of all proportion
+// becomes one that no stack has room for.
+intptr_t CountInBytes(intptr_t count) {
+    constexpr intptr_t cell = static_cast<intptr_t>(sizeof(VALUE));
+    if (count > INT32_MAX) return INTPTR_MAX;
+    if (count < INT32_MIN) return INTPTR_MIN;
+    return count * cell;
+}
+
 // The code that Decode looks at: up to the last slot that is not a LIT of an
 // untagged value. The generator fills the store from address 0, and behind
 // the code it holds default instructions, such LITs, which LeaveCode carries
@@ -232,7 +242,10 @@ std::vector<Step> Decode(const Instruction* code, int length) {
             case STO:
                 step.op = ins.l > 0 ? Op::StoreOuter : ins.a >= 0 ? Op::Store : Op::StoreParameter;
                 break;
-            case INT: step.op = Op::Enter; break;
+            case INT:
+                step.op = Op::Enter;
+                step.second = CountInBytes(ins.a);
+                break;
             case CALL:
             case JMP:
             case JPC: {

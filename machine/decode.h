@@ -151,7 +151,8 @@ struct Step {
         const Instruction* ins;  // the operations that need the comment or the callback
     };
     // Operands of fused steps: the second operand, a literal or a variable
-    // of the frame, and where the result goes, a variable or a jump.
+    // of the frame, and where the result goes, a variable or a jump. Enter
+    // keeps its count in bytes in `second`.
     union {
         const VALUE* fusedLiteral;
         intptr_t second;

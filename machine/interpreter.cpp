@@ -366,11 +366,16 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 Transfer(r, step->to);
                 QEL_DISPATCH();
             }
-            op_Enter:
+            op_Enter: {
                 // Leaves a growth or an underflow to GeneralStep.
-                if (step->a > limit - r.top || step->a < s - r.top) QEL_LEAVE();
-                r.top += step->a;
+                const intptr_t bytes = step->second;
+                const char* const top = reinterpret_cast<const char*>(r.top);
+                if (bytes > reinterpret_cast<const char*>(limit) - top ||
+                    bytes < reinterpret_cast<const char*>(s) - top)
+                    QEL_LEAVE();
+                r.top = reinterpret_cast<VALUE*>(reinterpret_cast<uintptr_t>(r.top) + bytes);
                 QEL_NEXT();
+            }
             op_JumpBack: QEL_CHECKPOINT();
             op_Jump: Transfer(r, step->to); QEL_DISPATCH();
             op_JumpBackIfZero: QEL_CHECKPOINT();
