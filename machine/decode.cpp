@@ -76,11 +76,11 @@ constexpr BinaryForms binaryForms[] = {
 };
 
 struct RelationForms {
-    Op plain, loadLitJump, loadLoadJump, jump;
+    Op plain, loadLitJump, loadLoadJump, jump, litJump;
 };
 constexpr RelationForms relationForms[] = {
 #define QEL_FORMS(name, operation) \
-    {Op::name, Op::LoadLit##name##Jump, Op::LoadLoad##name##Jump, Op::name##Jump},
+    {Op::name, Op::LoadLit##name##Jump, Op::LoadLoad##name##Jump, Op::name##Jump, Op::Lit##name##Jump},
     QEL_RELATIONS(QEL_FORMS)
 #undef QEL_FORMS
 };
@@ -167,6 +167,12 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
     if (RelationOf(step) && forwardJump(s1)) {
         step.op = RelationOf(step)->jump;
         step.target = s1->to;
+        return true;
+    }
+    if (IsLit(step) && RelationOf(*s1) && forwardJump(s2)) {
+        step.op = RelationOf(*s1)->litJump;
+        step.fusedLiteral = literal(0);
+        step.target = s2->to;
         return true;
     }
     if (IsLit(step) && BinaryOf(*s1)) {

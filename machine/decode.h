@@ -123,7 +123,8 @@ enum class Op : uint8_t {
 #define QEL_FUSED_RELATION(name, operation)                                        \
     LoadLit##name##Jump,   /* LOD a; LIT literal; OPR; JPC target              */ \
     LoadLoad##name##Jump,  /* LOD a; LOD second; OPR; JPC target               */ \
-    name##Jump,            /* OPR; JPC target                                  */
+    name##Jump,            /* OPR; JPC target                                  */ \
+    Lit##name##Jump,       /* LIT literal; OPR; JPC target                     */
     QEL_RELATIONS(QEL_FUSED_RELATION)
 #undef QEL_FUSED_RELATION
     IncrementVariable,  // LOD a; OPR ++; STO a

@@ -284,8 +284,9 @@ enum class FastEnd { Left, RunOver, Cancelled };
         &&op_LoadLoad##name##Store, &&op_##name##Store, &&op_LoadLit##name##Store,
         QEL_BINARY_OPERATIONS(QEL_HANDLERS)
 #undef QEL_HANDLERS
-#define QEL_HANDLERS(name, operation) \
-        &&op_LoadLit##name##Jump, &&op_LoadLoad##name##Jump, &&op_##name##Jump,
+#define QEL_HANDLERS(name, operation)                                           \
+        &&op_LoadLit##name##Jump, &&op_LoadLoad##name##Jump, &&op_##name##Jump, \
+        &&op_Lit##name##Jump,
         QEL_RELATIONS(QEL_HANDLERS)
 #undef QEL_HANDLERS
         &&op_IncrementVariable, &&op_DecrementVariable, &&op_LitStore, &&op_LoadElement,
@@ -515,6 +516,21 @@ enum class FastEnd { Left, RunOver, Cancelled };
                     QEL_DISPATCH();                                              \
                 }                                                                \
                 r.next += 2;                                                     \
+                QEL_DISPATCH();                                                  \
+            }                                                                    \
+            op_Lit##name##Jump: {                                                \
+                VALUE* const c = r.top + 1;                                      \
+                if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE(); \
+                if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
+                VALUE* const condition = r.top;                                  \
+                if (condition == s) QEL_LEAVE_AT(2, condition);                  \
+                r.top = condition - 1;                                           \
+                if (condition->intValue == 0) {                                  \
+                    r.next += 2;                                                 \
+                    Transfer(r, step->target);                                   \
+                    QEL_DISPATCH();                                              \
+                }                                                                \
+                r.next += 3;                                                     \
                 QEL_DISPATCH();                                                  \
             }
             QEL_RELATIONS(QEL_FUSED_RELATION)
