@@ -211,9 +211,15 @@ inline void GreaterEqual(VALUE& left, const VALUE& right) {
         left = left >= right;
 }
 
+// Two integers are within the tolerance of each other only when equal.
 inline bool TryEqual(VALUE& left, const VALUE& right, bool negate) {
-    if (!IsNumber(left) || !IsNumber(right)) return false;
-    const bool equal = std::fabs(NumberOf(left) - NumberOf(right)) <= 0.00001;
+    bool equal;
+    if (left.type == tagInteger && right.type == tagInteger)
+        equal = left.intValue == right.intValue;
+    else if (IsNumber(left) && IsNumber(right))
+        equal = std::fabs(NumberOf(left) - NumberOf(right)) <= 0.00001;
+    else
+        return false;
     left.type = tagInteger;
     left.intValue = equal != negate ? 1 : 0;
     return true;
