@@ -39,9 +39,9 @@ Op OperationStep(intptr_t operation) {
     }
 }
 
-// INT's count as the distance in bytes that the top moves, so that the loop
-// compares pointers without a division; a count out of all proportion
-// becomes one that no stack has room for.
+// A count or offset of cells in bytes, so that the loop adds it to a
+// pointer without a multiplication; one out of all proportion becomes one
+// that no stack has room for.
 intptr_t CountInBytes(intptr_t count) {
     constexpr intptr_t cell = static_cast<intptr_t>(sizeof(VALUE));
     if (count > INT32_MAX) return INTPTR_MAX;
@@ -111,6 +111,7 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         return at + k < length ? &steps[static_cast<size_t>(at + k)] : nullptr;
     };
     Step& step = steps[static_cast<size_t>(at)];
+    step.first = CountInBytes(step.a);
     const Step *s1 = plain(1), *s2 = plain(2), *s3 = plain(3);
     auto literal = [&](int k) { return &code[at + k].value; };
     auto forwardJump = [&](const Step* jump) { return jump && jump->plain == Op::JumpIfZero; };
@@ -120,8 +121,8 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         if ((IsLit(*s1) || IsLocalLoad(*s1)) && binary && s3 && IsLocalStore(*s3)) {
             step.op = IsLit(*s1) ? binary->loadLitStore : binary->loadLoadStore;
             if (IsLit(*s1)) step.fusedLiteral = literal(1);
-            else step.second = s1->a;
-            step.store = s3->a;
+            else step.second = CountInBytes(s1->a);
+            step.store = CountInBytes(s3->a);
             return true;
         }
         if (IsLit(*s1) && s2->plain == Op::StoreIndexed && s2->l <= 0) {
@@ -133,7 +134,7 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         if ((IsLit(*s1) || IsLocalLoad(*s1)) && relation && forwardJump(s3)) {
             step.op = IsLit(*s1) ? relation->loadLitJump : relation->loadLoadJump;
             if (IsLit(*s1)) step.fusedLiteral = literal(1);
-            else step.second = s1->a;
+            else step.second = CountInBytes(s1->a);
             step.target = s3->to;
             return true;
         }
@@ -149,7 +150,7 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         }
         if (IsLocalLoad(*s1) && binary) {
             step.op = binary->loadLoad;
-            step.second = s1->a;
+            step.second = CountInBytes(s1->a);
             return true;
         }
     }
@@ -183,12 +184,12 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
     if (IsLit(step) && IsLocalStore(*s1)) {
         step.op = Op::LitStore;
         step.fusedLiteral = literal(0);
-        step.store = s1->a;
+        step.store = CountInBytes(s1->a);
         return true;
     }
     if (BinaryOf(step) && IsLocalStore(*s1)) {
         step.op = BinaryOf(step)->store;
-        step.store = s1->a;
+        step.store = CountInBytes(s1->a);
         return true;
     }
     return false;

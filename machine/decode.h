@@ -151,9 +151,12 @@ struct Step {
         const VALUE* literal;    // LitValue
         const Instruction* ins;  // the operations that need the comment or the callback
     };
-    // Operands of fused steps: the second operand, a literal or a variable
-    // of the frame, and where the result goes, a variable or a jump. Enter
-    // keeps its count in bytes in `second`.
+    // Operands of fused steps, offsets of variables in bytes: the first
+    // operand, a variable (a in bytes); the second, a literal or a variable;
+    // where the result goes, a variable or a jump. Enter keeps its count in
+    // bytes in `second`. LoadElement and LoadLitStoreElement keep the level
+    // and offset of the array in cells.
+    intptr_t first;
     union {
         const VALUE* fusedLiteral;
         intptr_t second;
@@ -163,7 +166,7 @@ struct Step {
         const Step* target;
     };
 };
-static_assert(sizeof(Step) <= 32);
+static_assert(sizeof(Step) <= 40);
 
 // The number of code slots to decode (see Decode).
 int UsedLength(const CInterpreter& m);

@@ -133,6 +133,7 @@ struct Registers {
     // the first cell and 0, and every offset is left to GeneralStep.
     VALUE* frame;
     uintptr_t above;
+    intptr_t frameBytes;  // b in bytes, whatever b is
     // The steps taken are (travel + next) / sizeof(Step): every transfer of
     // control adds the distance it leaves behind, so counting costs an add per
     // jump taken and nothing per step, and a fused step counts what it covers.
@@ -159,6 +160,7 @@ inline intptr_t CheckPosition(int64_t nextCheck) {
 }
 
 inline void SetFrame(Registers& r, VALUE* s, int capacity) {
+    r.frameBytes = static_cast<intptr_t>(r.b) * static_cast<intptr_t>(sizeof(VALUE));
     if (r.b >= 0 && r.b < capacity) {
         r.frame = s + r.b;
         r.above = static_cast<uintptr_t>(capacity - r.b);
@@ -217,10 +219,12 @@ enum class FastEnd { Left, RunOver, Cancelled };
                                   intptr_t checkAt) {
     Registers r = registers;
     VALUE* const limit = s + (capacity - stackReserve);
-    // Cell b + a of the current frame, or null outside the stack.
-    auto Local = [&](intptr_t a) -> VALUE* {
-        const int64_t cell = static_cast<int64_t>(r.b) + a;
-        return IsCell(cell, capacity) ? s + cell : nullptr;
+    // Cell b + a of the current frame, a given in bytes, or null outside
+    // the stack: one unsigned comparison for both ends.
+    const uintptr_t stackBytes = static_cast<uintptr_t>(capacity) * sizeof(VALUE);
+    auto LocalAt = [&](intptr_t bytes) -> VALUE* {
+        const uintptr_t at = static_cast<uintptr_t>(bytes) + static_cast<uintptr_t>(r.frameBytes);
+        return at < stackBytes ? reinterpret_cast<VALUE*>(reinterpret_cast<char*>(s) + at) : nullptr;
     };
 #define QEL_LEAVE() goto leave
     // A fused step that cannot go on: the instructions before address
@@ -235,14 +239,14 @@ enum class FastEnd { Left, RunOver, Cancelled };
     // Both pushes must stay out of the reserve, or the stack has to grow in
     // between, as the plain steps do.
 #define QEL_LOAD_LIT(operation)                                          \
-    VALUE* const variable = Local(step->a);                               \
+    VALUE* const variable = LocalAt(step->first);                               \
     VALUE* const c = r.top + 1;                                          \
     if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
     if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);         \
     if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
 #define QEL_LOAD_LOAD(operation)                                         \
-    VALUE* const variable = Local(step->a);                               \
-    VALUE* const second = Local(step->second);                            \
+    VALUE* const variable = LocalAt(step->first);                               \
+    VALUE* const second = LocalAt(step->second);                            \
     VALUE* const c = r.top + 1;                                          \
     if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
     if (!second || !TryAssign(c[1], *second)) QEL_LEAVE_AT(1, c);        \
@@ -364,6 +368,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 r.b = static_cast<int>(cells - s);
                 r.frame = cells;
                 r.above = static_cast<uintptr_t>(capacity - r.b);
+                r.frameBytes = reinterpret_cast<char*>(cells) - reinterpret_cast<char*>(s);
                 Transfer(r, step->to);
                 QEL_DISPATCH();
             }
@@ -456,13 +461,13 @@ enum class FastEnd { Left, RunOver, Cancelled };
             }                                                                    \
             op_LoadLit##name##Store: {                                     \
                 QEL_LOAD_LIT(operation);                                         \
-                VALUE* const target = Local(step->store);                         \
+                VALUE* const target = LocalAt(step->store);                         \
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
                 r.next += 4;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
             op_Load##name: {                                                     \
-                VALUE* const variable = Local(step->a);                          \
+                VALUE* const variable = LocalAt(step->first);                          \
                 VALUE* const c = r.top + 1;                                      \
                 if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
                 if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
@@ -471,7 +476,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
             }                                                                    \
             op_LoadLoad##name##Store: {                                          \
                 QEL_LOAD_LOAD(operation);                                        \
-                VALUE* const target = Local(step->store);                        \
+                VALUE* const target = LocalAt(step->store);                        \
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
                 r.next += 4;                                                     \
                 QEL_DISPATCH();                                                  \
@@ -486,7 +491,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
             op_##name##Store: {                                              \
                 if (r.top == s || !operation(r.top[-1], *r.top)) QEL_LEAVE();    \
                 VALUE* const result = r.top - 1;                                 \
-                VALUE* const target = Local(step->store);                         \
+                VALUE* const target = LocalAt(step->store);                         \
                 if (!target || result == s || !TryAssign(*target, *result))      \
                     QEL_LEAVE_AT(1, result);                                     \
                 r.top = result - 1;                                              \
@@ -537,7 +542,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
 #undef QEL_FUSED_RELATION
             op_IncrementVariable:
             op_DecrementVariable: {
-                VALUE* const variable = Local(step->a);
+                VALUE* const variable = LocalAt(step->first);
                 VALUE* const c = r.top + 1;
                 if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
                 if (!TryStep(*c, step->op == Op::IncrementVariable ? 1 : -1)) QEL_LEAVE_AT(1, c);
@@ -548,13 +553,13 @@ enum class FastEnd { Left, RunOver, Cancelled };
             op_LitStore: {
                 VALUE* const c = r.top + 1;
                 if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE();
-                VALUE* const target = Local(step->store);
+                VALUE* const target = LocalAt(step->store);
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(1, c);
                 r.next += 2;
                 QEL_DISPATCH();
             }
             op_LoadElement: {
-                VALUE* const variable = Local(step->a);
+                VALUE* const variable = LocalAt(step->first);
                 VALUE* const c = r.top + 1;
                 if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
                 const VALUE* const element =
@@ -565,7 +570,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 QEL_DISPATCH();
             }
             op_LoadLitStoreElement: {
-                VALUE* const variable = Local(step->a);
+                VALUE* const variable = LocalAt(step->first);
                 VALUE* const c = r.top + 1;
                 if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
                 if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);
