@@ -7,10 +7,12 @@
 // that runs without calls uses them; the forms without Try complete them.
 #pragma once
 
+#include <charconv>
 #include <cmath>
 #include <functional>
 
 #include "machine/conversions.h"
+#include "machine/text_pool.h"
 #include "qelkern/value.h"
 
 namespace qelkern {
@@ -38,12 +40,26 @@ inline bool TrySetDouble(VALUE& cell, double number) {
     return true;
 }
 
+// A cell that gives up its text hands the string object to the pool.
+inline void DropText(VALUE& cell) {
+    if (cell.type == tagString && cell.stringValue) Texts().Give(cell.stringValue);
+    cell.type = tagInteger;
+    cell.intValue = 0;
+}
+
 inline void SetInt(VALUE& cell, int number) {
-    if (!TrySetInt(cell, number)) cell = number;
+    if (!TrySetInt(cell, number)) {
+        DropText(cell);
+        cell.intValue = number;
+    }
 }
 
 inline void SetDouble(VALUE& cell, double number) {
-    if (!TrySetDouble(cell, number)) cell = number;
+    if (!TrySetDouble(cell, number)) {
+        DropText(cell);
+        cell.type = tagDouble;
+        cell.doubleValue = number;
+    }
 }
 
 // Cell assignment; a text is copied only where one is involved.
@@ -74,6 +90,11 @@ inline void Assign(VALUE& target, const VALUE& source) {
     if (TryAssign(target, source)) return;
     if (AreTexts(target, source)) {
         if (&target != &source) *target.stringValue = *source.stringValue;
+        return;
+    }
+    if (source.type == tagString && source.stringValue && target.type != tagString) {
+        target.stringValue = Texts().Take(*source.stringValue);
+        target.type = tagString;
         return;
     }
     target = source;
@@ -137,7 +158,12 @@ inline bool TryAppend(VALUE& left, const VALUE& right) {
         case tagString:
             if (right.stringValue) text += *right.stringValue;
             break;
-        case tagInteger: text.AppendFormat("%d", right.intValue); break;
+        case tagInteger: {
+            char digits[16];
+            const auto written = std::to_chars(digits, digits + sizeof digits, right.intValue);
+            text += CString(digits, static_cast<int>(written.ptr - digits));
+            break;
+        }
         case tagDouble: text += FormatFixed(right.doubleValue); break;
         default: break;
     }
@@ -192,7 +218,7 @@ template <class Relation>
 inline bool CompareTexts(VALUE& left, const VALUE& right, Relation relation) {
     if (!AreTexts(left, right)) return false;
     const int order = left.stringValue->str().compare(right.stringValue->str());
-    left = relation(order, 0) ? 1 : 0;
+    SetInt(left, relation(order, 0) ? 1 : 0);
     return true;
 }
 

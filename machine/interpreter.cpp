@@ -891,9 +891,11 @@ void Run(CInterpreter& m, RunWatch& watch) {
     } catch (...) {
         WriteBack(m, r, steps);
         watch.Finish(StepsTaken(r));
+        Texts().Clear();
         throw;
     }
     watch.Finish(StepsTaken(r));
+    Texts().Clear();
 }
 
 }  // namespace

@@ -1,0 +1,49 @@
+// String objects that cells of the running machine gave up, kept for the
+// next text that a cell takes on: in a loop the texts come and go in the same
+// few cells, and a kept object has its buffer already.
+#pragma once
+
+#include "qelkern/platform.h"
+
+namespace qelkern {
+
+class TextPool {
+public:
+    TextPool() = default;
+    TextPool(const TextPool&) = delete;
+    TextPool& operator=(const TextPool&) = delete;
+    ~TextPool() { Clear(); }
+
+    // A string object of its own holding a copy of `text`.
+    CString* Take(const CString& text) {
+        if (count == 0) return new CString(text);
+        CString* object = objects[--count];
+        try {
+            *object = text;
+        } catch (...) {
+            objects[count++] = object;
+            throw;
+        }
+        return object;
+    }
+    void Give(CString* object) noexcept {
+        if (count < capacity) objects[count++] = object;
+        else delete object;
+    }
+    void Clear() noexcept {
+        while (count > 0) delete objects[--count];
+    }
+
+private:
+    static constexpr int capacity = 16;
+    CString* objects[capacity] = {};
+    int count = 0;
+};
+
+// The pool of the thread that runs a script; emptied when a run ends.
+inline TextPool& Texts() {
+    thread_local TextPool pool;
+    return pool;
+}
+
+}  // namespace qelkern
