@@ -65,11 +65,12 @@ int UsedLength(const CInterpreter& m) {
 namespace {
 
 struct BinaryForms {
-    Op plain, loadLit, loadLoad, lit, load, loadLoadStore, store, loadLitStore;
+    Op plain, loadLit, loadLoad, lit, load, litLoad, loadLoadStore, store, loadLitStore;
 };
 constexpr BinaryForms binaryForms[] = {
 #define QEL_FORMS(name, operation)                                                              \
     {Op::name, Op::LoadLit##name, Op::LoadLoad##name, Op::Lit##name, Op::Load##name,           \
+     Op::LitLoad##name,                                                                         \
      Op::LoadLoad##name##Store, Op::name##Store, Op::LoadLit##name##Store},
     QEL_BINARY_OPERATIONS(QEL_FORMS)
 #undef QEL_FORMS
@@ -174,6 +175,12 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         step.op = RelationOf(*s1)->litJump;
         step.fusedLiteral = literal(0);
         step.target = s2->to;
+        return true;
+    }
+    if (IsLit(step) && IsLocalLoad(*s1) && s2 && BinaryOf(*s2)) {
+        step.op = BinaryOf(*s2)->litLoad;
+        step.fusedLiteral = literal(0);
+        step.store = CountInBytes(s1->a);
         return true;
     }
     if (IsLit(step) && BinaryOf(*s1)) {

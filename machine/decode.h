@@ -115,6 +115,7 @@ enum class Op : uint8_t {
     LoadLoad##name,    /* LOD a; LOD second; OPR                               */ \
     Lit##name,         /* LIT literal; OPR                                     */ \
     Load##name,        /* LOD a; OPR                                           */ \
+    LitLoad##name,     /* LIT literal; LOD second; OPR                         */ \
     LoadLoad##name##Store, /* LOD a; LOD second; OPR; STO store                */ \
     name##Store,       /* OPR; STO store                                       */ \
     LoadLit##name##Store,  /* LOD a; LIT literal; OPR; STO store               */

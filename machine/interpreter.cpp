@@ -285,6 +285,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
 #undef QEL_HANDLER
 #define QEL_HANDLERS(name, operation) \
         &&op_LoadLit##name, &&op_LoadLoad##name, &&op_Lit##name, &&op_Load##name,       \
+        &&op_LitLoad##name,                                                             \
         &&op_LoadLoad##name##Store, &&op_##name##Store, &&op_LoadLit##name##Store,
         QEL_BINARY_OPERATIONS(QEL_HANDLERS)
 #undef QEL_HANDLERS
@@ -472,6 +473,16 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
                 if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
                 r.next += 2;                                                     \
+                QEL_DISPATCH();                                                  \
+            }                                                                    \
+            op_LitLoad##name: {                                                  \
+                VALUE* const variable = LocalAt(step->store);                    \
+                VALUE* const c = r.top + 1;                                      \
+                if (c + 1 > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE(); \
+                if (!variable || !TryAssign(c[1], *variable)) QEL_LEAVE_AT(1, c); \
+                if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1);                \
+                r.top = c;                                                       \
+                r.next += 3;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_LoadLoad##name##Store: {                                          \

@@ -63,7 +63,7 @@ private:
     void Store() { pb.Ins(STO, 0, Variable()); }
 
     void Piece() {
-        switch (Pick(0, 19)) {
+        switch (Pick(0, 20)) {
             case 0: Load(); pb.Lit(Literal()).Op(Binary()); break;
             case 1: Load(); Load(); pb.Op(Binary()); break;
             case 2: Load(); pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 2 + Pick(1, 4)); break;
@@ -87,6 +87,7 @@ private:
             case 16: Load(); Load(); pb.Op(Binary()); Store(); break;
             case 17: Load(); pb.Op(Binary()); break;
             case 18: pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 3 + Pick(1, 4)); break;
+            case 19: pb.Lit(Literal()); Load(); pb.Op(Binary()); break;
             default: pb.Ins(INT, 0, Pick(-3, 3)); break;
         }
     }
