@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
 # Runs each pair of programs in bench/programs/ (NAME.qel and NAME.lua: the
 # same algorithm, the same printed result) with qel and Lua, checks that
-# both print the same "result ..." lines, and prints the median wall-clock
-# time and peak memory of each, the ratio qel / Lua and their geometric mean.
+# both print the same "result ..." lines, and prints the median time and
+# peak memory of each, the ratio qel / Lua and their geometric mean. Time is
+# the wall clock of the whole process, the runs of qel and Lua taken in turns
+# so that other load falls on both alike; CLOCK=cpu takes user + system time.
 # Builds nothing. Installs lua5.4 and luajit from Debian's packages when
 # they are asked for and missing.
 #
@@ -36,16 +38,20 @@ ensure "$lua" lua5.4
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
-# run NAME COMMAND...: runs once; appends seconds and peak KiB to
+# run NAME COMMAND...: runs once; appends microseconds and peak KiB to
 # $scratch/NAME.times and .rss, keeps the result lines in $scratch/NAME.out.
 run() {
     local name=$1; shift
     local start end
     start=$(date +%s%N)
-    /usr/bin/time -f '%M' -o "$scratch/rss" "$@" > "$scratch/output" 2>&1 || true
+    /usr/bin/time -f '%U %S %M' -o "$scratch/usage" "$@" > "$scratch/output" 2>&1 || true
     end=$(date +%s%N)
-    echo "$(( (end - start) / 1000 ))" >> "$scratch/$name.times"
-    tail -n 1 "$scratch/rss" >> "$scratch/$name.rss"
+    if [[ "${CLOCK:-wall}" == cpu ]]; then
+        tail -n 1 "$scratch/usage" | awk '{ printf "%d\n", ($1 + $2) * 1e6 }' >> "$scratch/$name.times"
+    else
+        echo "$(( (end - start) / 1000 ))" >> "$scratch/$name.times"
+    fi
+    tail -n 1 "$scratch/usage" | awk '{ print $3 }' >> "$scratch/$name.rss"
     grep -o 'result .*' "$scratch/output" | tr -d '\r' > "$scratch/$name.out" || true
 }
 
