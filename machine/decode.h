@@ -158,6 +158,7 @@ struct Step {
     // bytes in `second`. LoadElement and LoadLitStoreElement keep the level
     // and offset of the array in cells.
     intptr_t first;
+    const void* handler;  // where the dispatch loop carries out `op`
     union {
         const VALUE* fusedLiteral;
         intptr_t second;
@@ -167,7 +168,7 @@ struct Step {
         const Step* target;
     };
 };
-static_assert(sizeof(Step) <= 40);
+static_assert(sizeof(Step) <= 48);
 
 // The number of code slots to decode (see Decode).
 int UsedLength(const CInterpreter& m);

@@ -206,7 +206,8 @@ inline VALUE* ElementOf(VALUE* s, int capacity, int b, int l, intptr_t a, const 
 // steps, which is the same moment.
 //
 // Backward jumps and calls, the only way a run can go on for long, stop at
-// `checkAt` (see CheckPosition) before they are carried out.
+// `checkAt` (see CheckPosition) before they are carried out. Called with
+// `decoded`, it only gives each step the address of its handler.
 // How RunFast ended: on a step it leaves to GeneralStep, or behind a callback
 // that failed (the run is over) or cancelled the run.
 enum class FastEnd { Left, RunOver, Cancelled };
@@ -216,7 +217,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
 #pragma GCC diagnostic ignored "-Wpedantic"
 [[gnu::noinline]] FastEnd RunFast(CInterpreter& m, const RunWatch& watch, Registers& registers,
                                   const Step* steps, int length, VALUE* s, int capacity,
-                                  intptr_t checkAt) {
+                                  intptr_t checkAt, std::vector<Step>* decoded = nullptr) {
     Registers r = registers;
     VALUE* const limit = s + (capacity - stackReserve);
     // Cell b + a of the current frame, a given in bytes, or null outside
@@ -298,11 +299,15 @@ enum class FastEnd { Left, RunOver, Cancelled };
         &&op_LoadLitStoreElement,
     };
     static_assert(sizeof handlers / sizeof handlers[0] == static_cast<size_t>(Op::Count));
+    if (decoded) {
+        for (Step& each : *decoded) each.handler = handlers[static_cast<size_t>(each.op)];
+        return FastEnd::Left;
+    }
     const Step* step;
-#define QEL_DISPATCH()                                    \
-    do {                                                  \
-        step = r.next;                                    \
-        goto* handlers[static_cast<size_t>(step->op)];    \
+#define QEL_DISPATCH()             \
+    do {                           \
+        step = r.next;             \
+        goto* step->handler;       \
     } while (0)
 #define QEL_NEXT() \
     do {           \
@@ -889,9 +894,10 @@ void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunW
 // through) leaves the registers where the step stood, the cells as they were.
 void Run(CInterpreter& m, RunWatch& watch) {
     const int length = UsedLength(m);
-    const std::vector<Step> decoded = Decode(m.code, length);
+    std::vector<Step> decoded = Decode(m.code, length);
     const Step* const steps = decoded.data();
     Registers r{};
+    RunFast(m, watch, r, steps, length, m.stack, m.stackCapacity, 0, &decoded);
     r.next = steps;
     r.top = m.stack;
     r.b = 1;
