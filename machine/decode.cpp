@@ -160,6 +160,16 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         step.op = BinaryOf(*s1)->load;
         return true;
     }
+    if (IsLocalLoad(step) && IsLocalLoad(*s1)) {
+        step.op = Op::LoadPair;
+        step.second = CountInBytes(s1->a);
+        return true;
+    }
+    if (IsLocalLoad(step) && IsLit(*s1)) {
+        step.op = Op::LoadLitPair;
+        step.fusedLiteral = literal(1);
+        return true;
+    }
     if (IsLocalLoad(step) && s1->plain == Op::LoadIndexed) {
         step.op = Op::LoadElement;
         step.second = s1->a;

@@ -133,6 +133,8 @@ enum class Op : uint8_t {
     LitStore,           // LIT literal; STO store
     LoadElement,        // LOD a; LODI store, second (level, offset)
     LoadLitStoreElement,  // LOD a; LIT literal; STOI 0, store
+    LoadPair,           // LOD a; LOD second
+    LoadLitPair,        // LOD a; LIT literal
     Count
 };
 

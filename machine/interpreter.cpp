@@ -296,7 +296,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
         QEL_RELATIONS(QEL_HANDLERS)
 #undef QEL_HANDLERS
         &&op_IncrementVariable, &&op_DecrementVariable, &&op_LitStore, &&op_LoadElement,
-        &&op_LoadLitStoreElement,
+        &&op_LoadLitStoreElement, &&op_LoadPair, &&op_LoadLitPair,
     };
     static_assert(sizeof handlers / sizeof handlers[0] == static_cast<size_t>(Op::Count));
     if (decoded) {
@@ -593,6 +593,25 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 VALUE* const element = ElementOf(s, capacity, r.b, 0, step->store, *c);
                 if (!element || !TryAssign(*element, c[1])) QEL_LEAVE_AT(2, c + 1);
                 r.next += 3;
+                QEL_DISPATCH();
+            }
+            op_LoadPair: {
+                VALUE* const variable = LocalAt(step->first);
+                VALUE* const second = LocalAt(step->second);
+                VALUE* const c = r.top + 1;
+                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!second || !TryAssign(c[1], *second)) QEL_LEAVE_AT(1, c);
+                r.top = c + 1;
+                r.next += 2;
+                QEL_DISPATCH();
+            }
+            op_LoadLitPair: {
+                VALUE* const variable = LocalAt(step->first);
+                VALUE* const c = r.top + 1;
+                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);
+                r.top = c + 1;
+                r.next += 2;
                 QEL_DISPATCH();
             }
             op_External: {
