@@ -4,6 +4,7 @@
 // t), registers, messages and step count either way.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <utility>
@@ -26,7 +27,8 @@ class ProgramMaker {
 public:
     ProgramMaker(ProgramBuilder& builder, unsigned seed) : pb(builder), random(seed) {}
 
-    void Make(int pieces) {
+    // Returns the size of the main block's frame.
+    int Make(int pieces) {
         // BITOR and BITAND read a text cell's pointer as a number, which no
         // two runs share: a program has texts or those, not both.
         texts = Pick(0, 1) == 0;
@@ -36,6 +38,7 @@ public:
         for (int i = 0; i < pieces; ++i) Piece();
         // Not RET: the links may hold texts by now, whose pointers differ.
         pb.Ins(JMP, 0, 0);
+        return frame;
     }
 
 private:
@@ -109,13 +112,19 @@ Outcome RunMade(unsigned seed, bool fused) {
     ProgramBuilder pb;
     CRunControl control;
     control.maxSteps = 4000;  // loops end here, at the same jump either way
-    ProgramMaker(pb, seed).Make(40);
+    const int frame = ProgramMaker(pb, seed).Make(40);
     pb.machine.control = &control;
     qelkern::fuseSteps = fused;
     Outcome outcome{pb.Run(), pb.machine.p, pb.machine.b, pb.machine.t, pb.machine.failed,
                     control.stepsTaken, {}};
     qelkern::fuseSteps = true;
-    for (int i = 0; i < pb.machine.stackCapacity; ++i) {
+    // The cells that a program can reach: those of the frame's start and
+    // those above its end, as far as 40 pieces can push.
+    std::vector<int> reached;
+    for (int i = 0; i < 200; ++i) reached.push_back(i);
+    for (int i = std::max(200, frame - 10); i < std::min(pb.machine.stackCapacity, frame + 200); ++i)
+        reached.push_back(i);
+    for (int i : reached) {
         const VALUE& cell = pb.Cell(i);
         std::string payload = cell.type == 57 ? cell.GetStringPtr()->str()
                                               : std::string(reinterpret_cast<const char*>(&cell.doubleValue),
