@@ -137,6 +137,7 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
             if (IsLit(*s1)) step.fusedLiteral = literal(1);
             else step.second = CountInBytes(s1->a);
             step.target = s3->to;
+            step.delta = s3->delta;
             return true;
         }
         if ((s1->plain == Op::Increment || s1->plain == Op::Decrement) && IsLocalStore(*s2) &&
@@ -179,12 +180,14 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
     if (RelationOf(step) && forwardJump(s1)) {
         step.op = RelationOf(step)->jump;
         step.target = s1->to;
+        step.delta = s1->delta;
         return true;
     }
     if (IsLit(step) && RelationOf(*s1) && forwardJump(s2)) {
         step.op = RelationOf(*s1)->litJump;
         step.fusedLiteral = literal(0);
         step.target = s2->to;
+        step.delta = s2->delta;
         return true;
     }
     if (IsLit(step) && IsLocalLoad(*s1) && s2 && BinaryOf(*s2)) {
@@ -293,7 +296,10 @@ std::vector<Step> Decode(const Instruction* code, int length) {
     end.op = Op::OutOfCode;
     end.a = length;
     // Only now do the steps stay where they are.
-    for (const auto& [at, to] : jumps) steps[at].to = &steps[static_cast<size_t>(to)];
+    for (const auto& [at, to] : jumps) {
+        steps[at].to = &steps[static_cast<size_t>(to)];
+        steps[at].delta = (static_cast<intptr_t>(at) + 1 - to) * static_cast<intptr_t>(sizeof(Step));
+    }
     for (Step& step : steps) step.plain = step.op;
     if (fuseSteps) Fuse(steps, code, length);
     return steps;

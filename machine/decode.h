@@ -161,6 +161,9 @@ struct Step {
     // and offset of the array in cells.
     intptr_t first;
     const void* handler;  // where the dispatch loop carries out `op`
+    // Of a jump or call, and of a fused step that ends in one: what taking it
+    // adds to the count of steps, in bytes of steps (see Registers::travel).
+    intptr_t delta;
     union {
         const VALUE* fusedLiteral;
         intptr_t second;
@@ -170,7 +173,7 @@ struct Step {
         const Step* target;
     };
 };
-static_assert(sizeof(Step) <= 48);
+static_assert(sizeof(Step) <= 56);
 
 // The number of code slots to decode (see Decode).
 int UsedLength(const CInterpreter& m);

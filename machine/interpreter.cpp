@@ -148,6 +148,12 @@ inline void Transfer(Registers& r, const Step* to) {
     r.next = to;
 }
 
+// The same for a jump or call whose distance Decode has worked out.
+inline void TakeJump(Registers& r, const Step& step, const Step* to) {
+    r.travel += step.delta;
+    r.next = to;
+}
+
 inline int64_t StepsTaken(const Registers& r) {
     return (r.travel + Position(r.next)) / static_cast<intptr_t>(sizeof(Step));
 }
@@ -254,8 +260,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
     if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
 #define QEL_JUMP_IF_ZERO(condition)            \
     if ((condition)->intValue == 0) {          \
-        r.next += 3;                           \
-        Transfer(r, step->target);              \
+        TakeJump(r, *step, step->target);      \
         QEL_DISPATCH();                              \
     }                                          \
     r.next += 4;                               \
@@ -375,7 +380,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 r.frame = cells;
                 r.above = static_cast<uintptr_t>(capacity - r.b);
                 r.frameBytes = reinterpret_cast<char*>(cells) - reinterpret_cast<char*>(s);
-                Transfer(r, step->to);
+                TakeJump(r, *step, step->to);
                 QEL_DISPATCH();
             }
             op_Enter: {
@@ -389,13 +394,13 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 QEL_NEXT();
             }
             op_JumpBack: QEL_CHECKPOINT();
-            op_Jump: Transfer(r, step->to); QEL_DISPATCH();
+            op_Jump: TakeJump(r, *step, step->to); QEL_DISPATCH();
             op_JumpBackIfZero: QEL_CHECKPOINT();
             op_JumpIfZero:
                 if (r.top == s || !IsNumber(*r.top)) QEL_LEAVE();
                 if (NumberIsZero(*r.top)) {
                     --r.top;
-                    Transfer(r, step->to);
+                    TakeJump(r, *step, step->to);
                     QEL_DISPATCH();
                 }
                 --r.top;
@@ -532,8 +537,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 if (result == s) QEL_LEAVE_AT(1, result);                        \
                 r.top = result - 1;                                              \
                 if (result->intValue == 0) {                                     \
-                    r.next += 1;                                                 \
-                    Transfer(r, step->target);                                   \
+                    TakeJump(r, *step, step->target);                            \
                     QEL_DISPATCH();                                              \
                 }                                                                \
                 r.next += 2;                                                     \
@@ -547,8 +551,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 if (condition == s) QEL_LEAVE_AT(2, condition);                  \
                 r.top = condition - 1;                                           \
                 if (condition->intValue == 0) {                                  \
-                    r.next += 2;                                                 \
-                    Transfer(r, step->target);                                   \
+                    TakeJump(r, *step, step->target);                            \
                     QEL_DISPATCH();                                              \
                 }                                                                \
                 r.next += 3;                                                     \
