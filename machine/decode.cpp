@@ -129,7 +129,7 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         if (IsLit(*s1) && s2->plain == Op::StoreIndexed && s2->l <= 0) {
             step.op = Op::LoadLitStoreElement;
             step.fusedLiteral = literal(1);
-            step.store = s2->a;
+            step.store = CountInBytes(s2->a);
             return true;
         }
         if ((IsLit(*s1) || IsLocalLoad(*s1)) && relation && forwardJump(s3)) {
@@ -171,10 +171,9 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         step.fusedLiteral = literal(1);
         return true;
     }
-    if (IsLocalLoad(step) && s1->plain == Op::LoadIndexed) {
+    if (IsLocalLoad(step) && s1->plain == Op::LoadIndexed && s1->l <= 0) {
         step.op = Op::LoadElement;
-        step.second = s1->a;
-        step.store = s1->l;
+        step.store = CountInBytes(s1->a);
         return true;
     }
     if (RelationOf(step) && forwardJump(s1)) {

@@ -131,7 +131,7 @@ enum class Op : uint8_t {
     IncrementVariable,  // LOD a; OPR ++; STO a
     DecrementVariable,  // LOD a; OPR --; STO a
     LitStore,           // LIT literal; STO store
-    LoadElement,        // LOD a; LODI store, second (level, offset)
+    LoadElement,        // LOD a; LODI 0, store
     LoadLitStoreElement,  // LOD a; LIT literal; STOI 0, store
     LoadPair,           // LOD a; LOD second
     LoadLitPair,        // LOD a; LIT literal
@@ -157,8 +157,8 @@ struct Step {
     // Operands of fused steps, offsets of variables in bytes: the first
     // operand, a variable (a in bytes); the second, a literal or a variable;
     // where the result goes, a variable or a jump. Enter keeps its count in
-    // bytes in `second`. LoadElement and LoadLitStoreElement keep the level
-    // and offset of the array in cells.
+    // bytes in `second`; the array of LoadElement and LoadLitStoreElement
+    // is at `store`.
     intptr_t first;
     const void* handler;  // where the dispatch loop carries out `op`
     // Of a jump or call, and of a fused step that ends in one: what taking it

@@ -233,6 +233,14 @@ enum class FastEnd { Left, RunOver, Cancelled };
         const uintptr_t at = static_cast<uintptr_t>(bytes) + static_cast<uintptr_t>(r.frameBytes);
         return at < stackBytes ? reinterpret_cast<VALUE*>(reinterpret_cast<char*>(s) + at) : nullptr;
     };
+    // The element of the array whose size cell is `sizeCell` for an integer
+    // index inside the array and the stack, else null.
+    auto LocalElement = [&](VALUE* sizeCell, const VALUE& index) -> VALUE* {
+        if (!sizeCell || index.type != tagInteger || sizeCell->type != tagInteger) return nullptr;
+        const int i = index.intValue;
+        if (i < 0 || i >= sizeCell->intValue) return nullptr;
+        return static_cast<int64_t>(sizeCell - s) + 1 + i < capacity ? sizeCell + 1 + i : nullptr;
+    };
 #define QEL_LEAVE() goto leave
     // A fused step that cannot go on: the instructions before address
     // `done` of it are carried out, the plain steps take over from there.
@@ -581,8 +589,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 VALUE* const variable = LocalAt(step->first);
                 VALUE* const c = r.top + 1;
                 if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
-                const VALUE* const element =
-                    ElementOf(s, capacity, r.b, static_cast<int>(step->store), step->second, *c);
+                const VALUE* const element = LocalElement(LocalAt(step->store), *c);
                 if (!element || !TryAssign(*c, *element)) QEL_LEAVE_AT(1, c);
                 r.top = c;
                 r.next += 2;
@@ -593,7 +600,7 @@ enum class FastEnd { Left, RunOver, Cancelled };
                 VALUE* const c = r.top + 1;
                 if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
                 if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);
-                VALUE* const element = ElementOf(s, capacity, r.b, 0, step->store, *c);
+                VALUE* const element = LocalElement(LocalAt(step->store), *c);
                 if (!element || !TryAssign(*element, c[1])) QEL_LEAVE_AT(2, c + 1);
                 r.next += 3;
                 QEL_DISPATCH();
