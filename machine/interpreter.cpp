@@ -239,7 +239,9 @@ enum class FastEnd { Left, RunOver, Cancelled };
         if (!sizeCell || index.type != tagInteger || sizeCell->type != tagInteger) return nullptr;
         const int i = index.intValue;
         if (i < 0 || i >= sizeCell->intValue) return nullptr;
-        return static_cast<int64_t>(sizeCell - s) + 1 + i < capacity ? sizeCell + 1 + i : nullptr;
+        const uintptr_t at = reinterpret_cast<uintptr_t>(sizeCell + 1) +
+                             static_cast<uintptr_t>(i) * sizeof(VALUE);
+        return at < reinterpret_cast<uintptr_t>(s) + stackBytes ? reinterpret_cast<VALUE*>(at) : nullptr;
     };
 #define QEL_LEAVE() goto leave
     // A fused step that cannot go on: the instructions before address
