@@ -47,8 +47,8 @@ void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunW
         // Texts come in runs: while the top cell or the next literal is one,
         // the steps stay here rather than go back and forth.
         do {
-            if (StepsTaken(r) >= watch.NextCheck() && IsCheckpoint(*r.next) &&
-                Stopped(m, r, steps, watch.Check(StepsTaken(r)), watch))
+            if (r.travel + Position(r.next) >= CheckPosition(watch.NextCheck()) &&
+                IsCheckpoint(*r.next) && Stopped(m, r, steps, watch.Check(StepsTaken(r)), watch))
                 return;
             if (!InReserve(m, r) && !GeneralStep(m, r, steps, length, watch)) return;
             if (InReserve(m, r)) {

@@ -7,12 +7,10 @@
 
 namespace qelkern {
 
+// Trivial to make and to destroy, so that the thread's pool needs no guard;
+// the machine empties it at the end of every run.
 class TextPool {
 public:
-    TextPool() = default;
-    TextPool(const TextPool&) = delete;
-    TextPool& operator=(const TextPool&) = delete;
-    ~TextPool() { Clear(); }
 
     // A string object of its own holding a copy of `text`.
     CString* Take(const CString& text) {
@@ -36,13 +34,13 @@ public:
 
 private:
     static constexpr int capacity = 16;
-    CString* objects[capacity] = {};
-    int count = 0;
+    CString* objects[capacity];
+    int count;
 };
 
 // The pool of the thread that runs a script; emptied when a run ends.
 inline TextPool& Texts() {
-    thread_local TextPool pool;
+    [[gnu::tls_model("initial-exec")]] static constinit thread_local TextPool pool{};
     return pool;
 }
 
