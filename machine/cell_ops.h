@@ -42,7 +42,7 @@ inline bool TrySetDouble(VALUE& cell, double number) {
 
 // A cell that gives up its text hands the string object to the pool.
 inline void DropText(VALUE& cell) {
-    if (cell.type == tagString && cell.stringValue) Texts().Give(cell.stringValue);
+    if (cell.type == tagString && cell.stringValue) ThreadTextPool().Give(cell.stringValue);
     cell.type = tagInteger;
     cell.intValue = 0;
 }
@@ -93,7 +93,7 @@ inline void Assign(VALUE& target, const VALUE& source) {
         return;
     }
     if (source.type == tagString && source.stringValue && target.type != tagString) {
-        target.stringValue = Texts().Take(*source.stringValue);
+        target.stringValue = ThreadTextPool().Take(*source.stringValue);
         target.type = tagString;
         return;
     }

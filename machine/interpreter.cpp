@@ -79,11 +79,11 @@ void Run(CInterpreter& m, RunWatch& watch) {
     } catch (...) {
         WriteBack(m, r, steps);
         watch.Finish(StepsTaken(r));
-        Texts().Clear();
+        ThreadTextPool().Clear();
         throw;
     }
     watch.Finish(StepsTaken(r));
-    Texts().Clear();
+    ThreadTextPool().Clear();
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ private:
 };
 
 // The pool of the thread that runs a script; emptied when a run ends.
-inline TextPool& Texts() {
+inline TextPool& ThreadTextPool() {
     [[gnu::tls_model("initial-exec")]] static constinit thread_local TextPool pool{};
     return pool;
 }
