@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include "qelkern/machine.h"
+#include "qelkern/runcontrol.h"
 
 namespace {
 
@@ -51,5 +52,25 @@ void IntegerAdditions(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(n));
 }
 BENCHMARK(IntegerAdditions)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
+
+// The same with a host's run control attached: a step budget and a time
+// limit that are never reached, so the run watch looks about every
+// millisecond and changes nothing.
+void IntegerAdditionsUnderRunControl(benchmark::State& state) {
+    const int n = static_cast<int>(state.range(0));
+    CRunControl control;
+    control.maxSteps = uint64_t(1) << 40;
+    control.timeoutMilliseconds = 3'600'000;
+    for (auto _ : state) {
+        CInterpreter machine;
+        machine.control = &control;
+        CGenerator gen(&machine);
+        BuildSumLoop(gen, n);
+        machine.Interpret();
+        if (machine.failed || control.stopCause != StopCause::None) state.SkipWithError("stopped");
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(n));
+}
+BENCHMARK(IntegerAdditionsUnderRunControl)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -7,10 +7,12 @@
 // that runs without calls uses them; the forms without Try complete them.
 #pragma once
 
+#include <charconv>
 #include <cmath>
 #include <functional>
 
 #include "machine/conversions.h"
+#include "machine/text_pool.h"
 #include "qelkern/value.h"
 
 namespace qelkern {
@@ -38,12 +40,26 @@ inline bool TrySetDouble(VALUE& cell, double number) {
     return true;
 }
 
+// A cell that gives up its text hands the string object to the pool.
+inline void DropText(VALUE& cell) {
+    if (cell.type == tagString && cell.stringValue) ThreadTextPool().Give(cell.stringValue);
+    cell.type = tagInteger;
+    cell.intValue = 0;
+}
+
 inline void SetInt(VALUE& cell, int number) {
-    if (!TrySetInt(cell, number)) cell = number;
+    if (!TrySetInt(cell, number)) {
+        DropText(cell);
+        cell.intValue = number;
+    }
 }
 
 inline void SetDouble(VALUE& cell, double number) {
-    if (!TrySetDouble(cell, number)) cell = number;
+    if (!TrySetDouble(cell, number)) {
+        DropText(cell);
+        cell.type = tagDouble;
+        cell.doubleValue = number;
+    }
 }
 
 // Cell assignment; a text is copied only where one is involved.
@@ -62,8 +78,26 @@ inline bool TryAssign(VALUE& target, const VALUE& source) {
     return false;
 }
 
+// Both cells hold a text with its string object.
+inline bool AreTexts(const VALUE& a, const VALUE& b) {
+    return a.type == tagString && b.type == tagString && a.stringValue && b.stringValue;
+}
+
+// A text into a cell that holds one: the cell keeps its own string object
+// and takes the text into it, so a loop that fills the same cells again and
+// again allocates nothing.
 inline void Assign(VALUE& target, const VALUE& source) {
-    if (!TryAssign(target, source)) target = source;
+    if (TryAssign(target, source)) return;
+    if (AreTexts(target, source)) {
+        if (&target != &source) *target.stringValue = *source.stringValue;
+        return;
+    }
+    if (source.type == tagString && source.stringValue && target.type != tagString) {
+        target.stringValue = ThreadTextPool().Take(*source.stringValue);
+        target.type = tagString;
+        return;
+    }
+    target = source;
 }
 
 // Truth of JPC and NOT: equal to 0 within the tolerance of the = operator.
@@ -110,8 +144,34 @@ QEL_TRY_ARITHMETIC(TryMultiply, WrapMul, *)
 QEL_TRY_ARITHMETIC(TryDivide, SafeDiv, /)
 #undef QEL_TRY_ARITHMETIC
 
+// Division where a zero divisor is left to the caller's report.
+inline bool TryCheckedDivide(VALUE& left, const VALUE& right) {
+    return IsNumber(right) && !NumberIsZero(right) && TryDivide(left, right);
+}
+
+// Text + anything: the right's text appended in place, as the + operator
+// makes it (a number as its text, any other tag as nothing).
+inline bool TryAppend(VALUE& left, const VALUE& right) {
+    if (left.type != tagString || !left.stringValue) return false;
+    CString& text = *left.stringValue;
+    switch (right.type) {
+        case tagString:
+            if (right.stringValue) text += *right.stringValue;
+            break;
+        case tagInteger: {
+            char digits[16];
+            const auto written = std::to_chars(digits, digits + sizeof digits, right.intValue);
+            text += CString(digits, static_cast<int>(written.ptr - digits));
+            break;
+        }
+        case tagDouble: text += FormatFixed(right.doubleValue); break;
+        default: break;
+    }
+    return true;
+}
+
 inline void Add(VALUE& left, const VALUE& right) {
-    if (!TryAdd(left, right)) left = left + right;
+    if (!TryAdd(left, right) && !TryAppend(left, right)) left = left + right;
 }
 inline void Subtract(VALUE& left, const VALUE& right) {
     if (!TrySubtract(left, right)) left = left - right;
@@ -153,22 +213,39 @@ inline bool TryGreaterEqual(VALUE& left, const VALUE& right) {
     return CompareNumbers(left, right, std::greater_equal<>());
 }
 
-inline void Less(VALUE& left, const VALUE& right) {
-    if (!TryLess(left, right)) left = left < right;
-}
-inline void LessEqual(VALUE& left, const VALUE& right) {
-    if (!TryLessEqual(left, right)) left = left <= right;
-}
-inline void Greater(VALUE& left, const VALUE& right) {
-    if (!TryGreater(left, right)) left = left > right;
-}
-inline void GreaterEqual(VALUE& left, const VALUE& right) {
-    if (!TryGreaterEqual(left, right)) left = left >= right;
+// Two texts compare byte by byte without a copy of either.
+template <class Relation>
+inline bool CompareTexts(VALUE& left, const VALUE& right, Relation relation) {
+    if (!AreTexts(left, right)) return false;
+    const int order = left.stringValue->str().compare(right.stringValue->str());
+    SetInt(left, relation(order, 0) ? 1 : 0);
+    return true;
 }
 
+inline void Less(VALUE& left, const VALUE& right) {
+    if (!TryLess(left, right) && !CompareTexts(left, right, std::less<>())) left = left < right;
+}
+inline void LessEqual(VALUE& left, const VALUE& right) {
+    if (!TryLessEqual(left, right) && !CompareTexts(left, right, std::less_equal<>()))
+        left = left <= right;
+}
+inline void Greater(VALUE& left, const VALUE& right) {
+    if (!TryGreater(left, right) && !CompareTexts(left, right, std::greater<>())) left = left > right;
+}
+inline void GreaterEqual(VALUE& left, const VALUE& right) {
+    if (!TryGreaterEqual(left, right) && !CompareTexts(left, right, std::greater_equal<>()))
+        left = left >= right;
+}
+
+// Two integers are within the tolerance of each other only when equal.
 inline bool TryEqual(VALUE& left, const VALUE& right, bool negate) {
-    if (!IsNumber(left) || !IsNumber(right)) return false;
-    const bool equal = std::fabs(NumberOf(left) - NumberOf(right)) <= 0.00001;
+    bool equal;
+    if (left.type == tagInteger && right.type == tagInteger)
+        equal = left.intValue == right.intValue;
+    else if (IsNumber(left) && IsNumber(right))
+        equal = std::fabs(NumberOf(left) - NumberOf(right)) <= 0.00001;
+    else
+        return false;
     left.type = tagInteger;
     left.intValue = equal != negate ? 1 : 0;
     return true;
@@ -178,7 +255,8 @@ inline bool TryNotEqual(VALUE& left, const VALUE& right) { return TryEqual(left,
 
 inline void Equal(VALUE& left, const VALUE& right, bool negate) {
     if (TryEqual(left, right, negate)) return;
-    const bool equal = (left == right).intValue != 0;
+    const bool equal = AreTexts(left, right) ? *left.stringValue == *right.stringValue
+                                             : (left == right).intValue != 0;
     SetInt(left, equal != negate ? 1 : 0);
 }
 inline void Equal(VALUE& left, const VALUE& right) { Equal(left, right, false); }

@@ -4,6 +4,8 @@
 
 namespace qelkern {
 
+bool fuseSteps = true;
+
 namespace {
 
 Op OperationStep(intptr_t operation) {
@@ -37,6 +39,16 @@ Op OperationStep(intptr_t operation) {
     }
 }
 
+// A count or offset of cells in bytes, so that the loop adds it to a
+// pointer without a multiplication; one out of all proportion becomes one
+// that no stack has room for.
+intptr_t CountInBytes(intptr_t count) {
+    constexpr intptr_t cell = static_cast<intptr_t>(sizeof(VALUE));
+    if (count > INT32_MAX) return INTPTR_MAX;
+    if (count < INT32_MIN) return INTPTR_MIN;
+    return count * cell;
+}
+
 // The code that Decode looks at: up to the last slot that is not a LIT of an
 // untagged value. The generator fills the store from address 0, and behind
 // the code it holds default instructions, such LITs, which LeaveCode carries
@@ -49,6 +61,166 @@ int UsedLength(const CInterpreter& m) {
         --length;
     return length;
 }
+
+namespace {
+
+struct BinaryForms {
+    Op plain, loadLit, loadLoad, lit, load, litLoad, loadLoadStore, store, loadLitStore;
+};
+constexpr BinaryForms binaryForms[] = {
+#define QEL_FORMS(name, operation)                                                              \
+    {Op::name, Op::LoadLit##name, Op::LoadLoad##name, Op::Lit##name, Op::Load##name,           \
+     Op::LitLoad##name,                                                                         \
+     Op::LoadLoad##name##Store, Op::name##Store, Op::LoadLit##name##Store},
+    QEL_BINARY_OPERATIONS(QEL_FORMS)
+#undef QEL_FORMS
+};
+
+struct RelationForms {
+    Op plain, loadLitJump, loadLoadJump, jump, litJump;
+};
+constexpr RelationForms relationForms[] = {
+#define QEL_FORMS(name, operation) \
+    {Op::name, Op::LoadLit##name##Jump, Op::LoadLoad##name##Jump, Op::name##Jump, Op::Lit##name##Jump},
+    QEL_RELATIONS(QEL_FORMS)
+#undef QEL_FORMS
+};
+
+const BinaryForms* BinaryOf(const Step& step) {
+    for (const BinaryForms& forms : binaryForms)
+        if (forms.plain == step.plain) return &forms;
+    return nullptr;
+}
+
+const RelationForms* RelationOf(const Step& step) {
+    for (const RelationForms& forms : relationForms)
+        if (forms.plain == step.plain) return &forms;
+    return nullptr;
+}
+
+bool IsLocalLoad(const Step& step) { return step.plain == Op::Load || step.plain == Op::LoadParameter; }
+bool IsLocalStore(const Step& step) {
+    return step.plain == Op::Store || step.plain == Op::StoreParameter;
+}
+bool IsLit(const Step& step) {
+    return step.plain == Op::LitInt || step.plain == Op::LitDouble || step.plain == Op::LitValue;
+}
+
+// The fused form of the sequence from `at`, longest first; false: none.
+bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int at) {
+    auto plain = [&](int k) -> const Step* {
+        return at + k < length ? &steps[static_cast<size_t>(at + k)] : nullptr;
+    };
+    Step& step = steps[static_cast<size_t>(at)];
+    step.first = CountInBytes(step.a);
+    const Step *s1 = plain(1), *s2 = plain(2), *s3 = plain(3);
+    auto literal = [&](int k) { return &code[at + k].value; };
+    auto forwardJump = [&](const Step* jump) { return jump && jump->plain == Op::JumpIfZero; };
+    if (IsLocalLoad(step) && s1 && s2) {
+        const BinaryForms* binary = BinaryOf(*s2);
+        const RelationForms* relation = RelationOf(*s2);
+        if ((IsLit(*s1) || IsLocalLoad(*s1)) && binary && s3 && IsLocalStore(*s3)) {
+            step.op = IsLit(*s1) ? binary->loadLitStore : binary->loadLoadStore;
+            if (IsLit(*s1)) step.fusedLiteral = literal(1);
+            else step.second = CountInBytes(s1->a);
+            step.store = CountInBytes(s3->a);
+            return true;
+        }
+        if (IsLit(*s1) && s2->plain == Op::StoreIndexed && s2->l <= 0) {
+            step.op = Op::LoadLitStoreElement;
+            step.fusedLiteral = literal(1);
+            step.store = CountInBytes(s2->a);
+            return true;
+        }
+        if ((IsLit(*s1) || IsLocalLoad(*s1)) && relation && forwardJump(s3)) {
+            step.op = IsLit(*s1) ? relation->loadLitJump : relation->loadLoadJump;
+            if (IsLit(*s1)) step.fusedLiteral = literal(1);
+            else step.second = CountInBytes(s1->a);
+            step.target = s3->to;
+            step.delta = s3->delta;
+            return true;
+        }
+        if ((s1->plain == Op::Increment || s1->plain == Op::Decrement) && IsLocalStore(*s2) &&
+            s2->a == step.a) {
+            step.op = s1->plain == Op::Increment ? Op::IncrementVariable : Op::DecrementVariable;
+            return true;
+        }
+        if (IsLit(*s1) && binary) {
+            step.op = binary->loadLit;
+            step.fusedLiteral = literal(1);
+            return true;
+        }
+        if (IsLocalLoad(*s1) && binary) {
+            step.op = binary->loadLoad;
+            step.second = CountInBytes(s1->a);
+            return true;
+        }
+    }
+    if (!s1) return false;
+    if (IsLocalLoad(step) && BinaryOf(*s1)) {
+        step.op = BinaryOf(*s1)->load;
+        return true;
+    }
+    if (IsLocalLoad(step) && IsLocalLoad(*s1)) {
+        step.op = Op::LoadPair;
+        step.second = CountInBytes(s1->a);
+        return true;
+    }
+    if (IsLocalLoad(step) && IsLit(*s1)) {
+        step.op = Op::LoadLitPair;
+        step.fusedLiteral = literal(1);
+        return true;
+    }
+    if (IsLocalLoad(step) && s1->plain == Op::LoadIndexed && s1->l <= 0) {
+        step.op = Op::LoadElement;
+        step.store = CountInBytes(s1->a);
+        return true;
+    }
+    if (RelationOf(step) && forwardJump(s1)) {
+        step.op = RelationOf(step)->jump;
+        step.target = s1->to;
+        step.delta = s1->delta;
+        return true;
+    }
+    if (IsLit(step) && RelationOf(*s1) && forwardJump(s2)) {
+        step.op = RelationOf(*s1)->litJump;
+        step.fusedLiteral = literal(0);
+        step.target = s2->to;
+        step.delta = s2->delta;
+        return true;
+    }
+    if (IsLit(step) && IsLocalLoad(*s1) && s2 && BinaryOf(*s2)) {
+        step.op = BinaryOf(*s2)->litLoad;
+        step.fusedLiteral = literal(0);
+        step.store = CountInBytes(s1->a);
+        return true;
+    }
+    if (IsLit(step) && BinaryOf(*s1)) {
+        step.op = BinaryOf(*s1)->lit;
+        step.fusedLiteral = literal(0);
+        return true;
+    }
+    if (IsLit(step) && IsLocalStore(*s1)) {
+        step.op = Op::LitStore;
+        step.fusedLiteral = literal(0);
+        step.store = CountInBytes(s1->a);
+        return true;
+    }
+    if (BinaryOf(step) && IsLocalStore(*s1)) {
+        step.op = BinaryOf(step)->store;
+        step.store = CountInBytes(s1->a);
+        return true;
+    }
+    return false;
+}
+
+// Every address gets the fused form of the sequence that starts there, so a
+// jump into the middle of one finds the fused form of the rest.
+void Fuse(std::vector<Step>& steps, const Instruction* code, int length) {
+    for (int at = 0; at < length; ++at) FuseAt(steps, code, length, at);
+}
+
+}  // namespace
 
 // Steps 0 to length - 1 stand for the instructions at the same addresses.
 // Step `length` and those behind it are OutOfCode steps: the first is reached
@@ -96,7 +268,10 @@ std::vector<Step> Decode(const Instruction* code, int length) {
             case STO:
                 step.op = ins.l > 0 ? Op::StoreOuter : ins.a >= 0 ? Op::Store : Op::StoreParameter;
                 break;
-            case INT: step.op = Op::Enter; break;
+            case INT:
+                step.op = Op::Enter;
+                step.second = CountInBytes(ins.a);
+                break;
             case CALL:
             case JMP:
             case JPC: {
@@ -120,7 +295,12 @@ std::vector<Step> Decode(const Instruction* code, int length) {
     end.op = Op::OutOfCode;
     end.a = length;
     // Only now do the steps stay where they are.
-    for (const auto& [at, to] : jumps) steps[at].to = &steps[static_cast<size_t>(to)];
+    for (const auto& [at, to] : jumps) {
+        steps[at].to = &steps[static_cast<size_t>(to)];
+        steps[at].delta = (static_cast<intptr_t>(at) + 1 - to) * static_cast<intptr_t>(sizeof(Step));
+    }
+    for (Step& step : steps) step.plain = step.op;
+    if (fuseSteps) Fuse(steps, code, length);
     return steps;
 }
 

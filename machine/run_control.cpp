@@ -11,7 +11,7 @@ namespace qelkern {
 
 namespace {
 
-constexpr auto checkPeriod = std::chrono::milliseconds(1);
+constexpr auto checkPeriod = std::chrono::microseconds(1000);
 constexpr int64_t fewestSteps = 16;
 constexpr int64_t mostSteps = int64_t(1) << 22;
 

@@ -48,8 +48,8 @@ public:
 
     // Ends the current run at its next check; safe from any thread and from
     // callbacks (the run ends right behind the callback). The flag stays set
-    // until Reset() or until the machine starts the next run, after its
-    // compile: a cancel that comes earlier is lost with the old run.
+    // until Reset() or until the machine starts the next run; that start
+    // comes after the compile, so a cancel during a compile is cleared too.
     void Cancel() noexcept { cancelRequested.store(true, std::memory_order_relaxed); }
     bool IsCancelRequested() const noexcept {
         return cancelRequested.load(std::memory_order_relaxed);

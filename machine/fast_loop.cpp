@@ -1,0 +1,457 @@
+// The fast loop of the machine: threaded dispatch over the decoded steps,
+// with the fused forms of the frequent sequences.
+#include "machine/cell_ops.h"
+#include "machine/host_calls.h"
+#include "machine/machine_loops.h"
+
+namespace qelkern {
+
+// Labels as values (GCC and Clang) make the threaded dispatch.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic"
+FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const Step* steps,
+                int length, VALUE* s, int capacity, intptr_t checkAt, std::vector<Step>* decoded) {
+    Registers r = registers;
+    VALUE* const limit = s + (capacity - stackReserve);
+    // Cell b + a of the current frame, a given in bytes, or null outside
+    // the stack: one unsigned comparison for both ends.
+    const uintptr_t stackBytes = static_cast<uintptr_t>(capacity) * sizeof(VALUE);
+    auto LocalAt = [&](intptr_t bytes) -> VALUE* {
+        const uintptr_t at = static_cast<uintptr_t>(bytes) + static_cast<uintptr_t>(r.frameBytes);
+        return at < stackBytes ? reinterpret_cast<VALUE*>(reinterpret_cast<char*>(s) + at) : nullptr;
+    };
+    // The element of the array whose size cell is `sizeCell` for an integer
+    // index inside the array and the stack, else null.
+    auto LocalElement = [&](VALUE* sizeCell, const VALUE& index) -> VALUE* {
+        if (!sizeCell || index.type != tagInteger || sizeCell->type != tagInteger) return nullptr;
+        const int i = index.intValue;
+        if (i < 0 || i >= sizeCell->intValue) return nullptr;
+        const uintptr_t at = reinterpret_cast<uintptr_t>(sizeCell + 1) +
+                             static_cast<uintptr_t>(i) * sizeof(VALUE);
+        return at < reinterpret_cast<uintptr_t>(s) + stackBytes ? reinterpret_cast<VALUE*>(at) : nullptr;
+    };
+#define QEL_LEAVE() goto leave
+    // A fused step that cannot go on: the instructions before address
+    // `done` of it are carried out, the plain steps take over from there.
+#define QEL_LEAVE_AT(done, newTop) \
+    do {                           \
+        r.top = (newTop);          \
+        r.next += (done);          \
+        goto leave;                \
+    } while (0)
+    // LOD a; LIT or LOD; OPR: the result in c, the second operand above it.
+    // Both pushes must stay out of the reserve, or the stack has to grow in
+    // between, as the plain steps do.
+#define QEL_LOAD_LIT(operation)                                          \
+    VALUE* const variable = LocalAt(step->first);                               \
+    VALUE* const c = r.top + 1;                                          \
+    if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
+    if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);         \
+    if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
+#define QEL_LOAD_LOAD(operation)                                         \
+    VALUE* const variable = LocalAt(step->first);                               \
+    VALUE* const second = LocalAt(step->second);                            \
+    VALUE* const c = r.top + 1;                                          \
+    if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
+    if (!second || !TryAssign(c[1], *second)) QEL_LEAVE_AT(1, c);        \
+    if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
+#define QEL_JUMP_IF_ZERO(condition)            \
+    if ((condition)->intValue == 0) {          \
+        TakeJump(r, *step, step->target);      \
+        QEL_DISPATCH();                              \
+    }                                          \
+    r.next += 4;                               \
+    QEL_DISPATCH()
+#define QEL_CHECKPOINT() \
+    if (r.travel + Position(r.next) >= checkAt) QEL_LEAVE()
+    // Behind a push into the reserve: the stack must grow before the next step.
+#define QEL_PUSHED()       \
+    if (r.top > limit) {   \
+        ++r.next;          \
+        goto leave;        \
+    }
+#define QEL_UNARY(operation) \
+    if (!operation(*r.top)) QEL_LEAVE(); \
+    QEL_NEXT()
+#define QEL_BINARY(operation)                                     \
+    if (r.top == s || !operation(r.top[-1], r.top[0])) QEL_LEAVE(); \
+    --r.top;                                                      \
+    QEL_NEXT()
+
+    // Threaded dispatch: every step ends in a jump of its own to the next
+    // step's handler, which the processor predicts far better than one
+    // shared jump. QEL_NEXT goes on with the step behind, QEL_DISPATCH with
+    // the step r.next stands on.
+    static const void* const handlers[] = {
+#define QEL_HANDLER(name) &&op_##name,
+        QEL_PLAIN_STEPS(QEL_HANDLER)
+#undef QEL_HANDLER
+#define QEL_HANDLERS(name, operation) \
+        &&op_LoadLit##name, &&op_LoadLoad##name, &&op_Lit##name, &&op_Load##name,       \
+        &&op_LitLoad##name,                                                             \
+        &&op_LoadLoad##name##Store, &&op_##name##Store, &&op_LoadLit##name##Store,
+        QEL_BINARY_OPERATIONS(QEL_HANDLERS)
+#undef QEL_HANDLERS
+#define QEL_HANDLERS(name, operation)                                           \
+        &&op_LoadLit##name##Jump, &&op_LoadLoad##name##Jump, &&op_##name##Jump, \
+        &&op_Lit##name##Jump,
+        QEL_RELATIONS(QEL_HANDLERS)
+#undef QEL_HANDLERS
+        &&op_IncrementVariable, &&op_DecrementVariable, &&op_LitStore, &&op_LoadElement,
+        &&op_LoadLitStoreElement, &&op_LoadPair, &&op_LoadLitPair,
+    };
+    static_assert(sizeof handlers / sizeof handlers[0] == static_cast<size_t>(Op::Count));
+    if (decoded) {
+        for (Step& each : *decoded) each.handler = handlers[static_cast<size_t>(each.op)];
+        return FastEnd::Left;
+    }
+    const Step* step;
+#define QEL_DISPATCH()             \
+    do {                           \
+        step = r.next;             \
+        goto* step->handler;       \
+    } while (0)
+#define QEL_NEXT() \
+    do {           \
+        ++r.next;  \
+        QEL_DISPATCH(); \
+    } while (0)
+    QEL_DISPATCH();
+    {
+        {
+            op_LitInt:
+                if (!TrySetInt(r.top[1], step->number)) QEL_LEAVE();
+                ++r.top;
+                QEL_PUSHED();
+                QEL_NEXT();
+            op_LitDouble:
+                if (!TrySetDouble(r.top[1], step->real)) QEL_LEAVE();
+                ++r.top;
+                QEL_PUSHED();
+                QEL_NEXT();
+            op_Load:
+                if (!IsVariable(r, step->a) || !TryAssign(r.top[1], r.frame[step->a])) QEL_LEAVE();
+                ++r.top;
+                QEL_PUSHED();
+                QEL_NEXT();
+            op_LoadParameter:
+                if (!IsParameter(r, step->a) || !TryAssign(r.top[1], r.frame[step->a])) QEL_LEAVE();
+                ++r.top;
+                QEL_PUSHED();
+                QEL_NEXT();
+            op_LoadOuter: {
+                const int64_t cell = DataCell(s, capacity, r.b, step->l, step->a);
+                if (!IsCell(cell, capacity) || !TryAssign(r.top[1], s[cell])) QEL_LEAVE();
+                ++r.top;
+                QEL_PUSHED();
+                QEL_NEXT();
+            }
+            op_Store:
+                if (!IsVariable(r, step->a) || r.top == s || !TryAssign(r.frame[step->a], *r.top))
+                    QEL_LEAVE();
+                --r.top;
+                QEL_NEXT();
+            op_StoreParameter:
+                if (!IsParameter(r, step->a) || r.top == s || !TryAssign(r.frame[step->a], *r.top))
+                    QEL_LEAVE();
+                --r.top;
+                QEL_NEXT();
+            op_StoreOuter: {
+                const int64_t cell = DataCell(s, capacity, r.b, step->l, step->a);
+                if (!IsCell(cell, capacity) || r.top == s || !TryAssign(s[cell], *r.top))
+                    QEL_LEAVE();
+                --r.top;
+                QEL_NEXT();
+            }
+            op_Call: {
+                QEL_CHECKPOINT();
+                const int link = FollowLinks(s, capacity, r.b, step->l);
+                VALUE* const cells = r.top + 1;
+                if (link < 0 || cells[0].type == tagString || cells[1].type == tagString ||
+                    cells[2].type == tagString)
+                    QEL_LEAVE();
+                TrySetInt(cells[0], link);
+                TrySetInt(cells[1], r.b);
+                TrySetInt(cells[2], static_cast<int>(r.next - steps) + 1);
+                r.b = static_cast<int>(cells - s);
+                r.frame = cells;
+                r.above = static_cast<uintptr_t>(capacity - r.b);
+                r.frameBytes = reinterpret_cast<char*>(cells) - reinterpret_cast<char*>(s);
+                TakeJump(r, *step, step->to);
+                QEL_DISPATCH();
+            }
+            op_Enter: {
+                // Leaves a growth or an underflow to GeneralStep.
+                const intptr_t bytes = step->second;
+                const char* const top = reinterpret_cast<const char*>(r.top);
+                if (bytes > reinterpret_cast<const char*>(limit) - top ||
+                    bytes < reinterpret_cast<const char*>(s) - top)
+                    QEL_LEAVE();
+                r.top = reinterpret_cast<VALUE*>(reinterpret_cast<uintptr_t>(r.top) + bytes);
+                QEL_NEXT();
+            }
+            op_JumpBack: QEL_CHECKPOINT();
+            op_Jump: TakeJump(r, *step, step->to); QEL_DISPATCH();
+            op_JumpBackIfZero: QEL_CHECKPOINT();
+            op_JumpIfZero:
+                if (r.top == s || !IsNumber(*r.top)) QEL_LEAVE();
+                if (NumberIsZero(*r.top)) {
+                    --r.top;
+                    TakeJump(r, *step, step->to);
+                    QEL_DISPATCH();
+                }
+                --r.top;
+                QEL_NEXT();
+            op_LoadIndexed: {
+                const VALUE* element = ElementOf(s, capacity, r.b, step->l, step->a, *r.top);
+                if (!element || !TryAssign(*r.top, *element)) QEL_LEAVE();
+                QEL_NEXT();
+            }
+            op_StoreIndexed: {
+                if (r.top - s < 2) QEL_LEAVE();
+                VALUE* element = ElementOf(s, capacity, r.b, step->l, step->a, r.top[-1]);
+                if (!element || !TryAssign(*element, *r.top)) QEL_LEAVE();
+                r.top -= 2;
+                QEL_NEXT();
+            }
+            op_Return: {
+                const int b = r.b;
+                if (b < 1 || static_cast<int64_t>(b) + 2 >= capacity) QEL_LEAVE();
+                VALUE* const top = s + (b - 1);
+                const int back = top[3].intValue;
+                if (back <= 0 || back >= length) QEL_LEAVE();
+                r.top = top;
+                r.b = top[2].intValue;
+                SetFrame(r, s, capacity);
+                Transfer(r, steps + back);
+                if (r.top > limit) goto leave;
+                QEL_DISPATCH();
+            }
+            op_Plus: QEL_BINARY(TryAdd);
+            op_Minus: QEL_BINARY(TrySubtract);
+            op_Times: QEL_BINARY(TryMultiply);
+            op_Divide:
+                if (r.top == s || !IsNumber(*r.top) || NumberIsZero(*r.top) ||
+                    !TryDivide(r.top[-1], *r.top))
+                    QEL_LEAVE();
+                --r.top;
+                QEL_NEXT();
+            op_Equal: QEL_BINARY(TryEqual);
+            op_NotEqual: QEL_BINARY(TryNotEqual);
+            op_Less: QEL_BINARY(TryLess);
+            op_GreaterEqual: QEL_BINARY(TryGreaterEqual);
+            op_Greater: QEL_BINARY(TryGreater);
+            op_LessEqual: QEL_BINARY(TryLessEqual);
+            op_BitOr: QEL_BINARY(TryBitOr);
+            op_BitAnd: QEL_BINARY(TryBitAnd);
+            op_Or: QEL_BINARY(TryOr);
+            op_And: QEL_BINARY(TryAnd);
+            op_Negate: QEL_UNARY(TryNegate);
+            op_Decrement: QEL_UNARY(TryDecrement);
+            op_Increment: QEL_UNARY(TryIncrement);
+            op_IntCast: QEL_UNARY(TryIntCast);
+            op_DoubleCast: QEL_UNARY(TryDoubleCast);
+            op_BitNot: QEL_UNARY(TryBitNot);
+            op_Not: QEL_UNARY(TryNot);
+            op_Nothing: QEL_NEXT();
+#define QEL_FUSED_BINARY(name, operation)                                        \
+            op_LoadLit##name: {                                            \
+                QEL_LOAD_LIT(operation);                                         \
+                r.top = c;                                                       \
+                r.next += 3;                                                     \
+                QEL_DISPATCH();                                                        \
+            }                                                                    \
+            op_LoadLoad##name: {                                           \
+                QEL_LOAD_LOAD(operation);                                        \
+                r.top = c;                                                       \
+                r.next += 3;                                                     \
+                QEL_DISPATCH();                                                        \
+            }                                                                    \
+            op_LoadLit##name##Store: {                                     \
+                QEL_LOAD_LIT(operation);                                         \
+                VALUE* const target = LocalAt(step->store);                         \
+                if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
+                r.next += 4;                                                     \
+                QEL_DISPATCH();                                                        \
+            }                                                                    \
+            op_Load##name: {                                                     \
+                VALUE* const variable = LocalAt(step->first);                          \
+                VALUE* const c = r.top + 1;                                      \
+                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
+                if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
+                r.next += 2;                                                     \
+                QEL_DISPATCH();                                                  \
+            }                                                                    \
+            op_LitLoad##name: {                                                  \
+                VALUE* const variable = LocalAt(step->store);                    \
+                VALUE* const c = r.top + 1;                                      \
+                if (c + 1 > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE(); \
+                if (!variable || !TryAssign(c[1], *variable)) QEL_LEAVE_AT(1, c); \
+                if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1);                \
+                r.top = c;                                                       \
+                r.next += 3;                                                     \
+                QEL_DISPATCH();                                                  \
+            }                                                                    \
+            op_LoadLoad##name##Store: {                                          \
+                QEL_LOAD_LOAD(operation);                                        \
+                VALUE* const target = LocalAt(step->store);                        \
+                if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
+                r.next += 4;                                                     \
+                QEL_DISPATCH();                                                  \
+            }                                                                    \
+            op_Lit##name: {                                                \
+                VALUE* const c = r.top + 1;                                      \
+                if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE(); \
+                if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
+                r.next += 2;                                                     \
+                QEL_DISPATCH();                                                        \
+            }                                                                    \
+            op_##name##Store: {                                              \
+                if (r.top == s || !operation(r.top[-1], *r.top)) QEL_LEAVE();    \
+                VALUE* const result = r.top - 1;                                 \
+                VALUE* const target = LocalAt(step->store);                         \
+                if (!target || result == s || !TryAssign(*target, *result))      \
+                    QEL_LEAVE_AT(1, result);                                     \
+                r.top = result - 1;                                              \
+                r.next += 2;                                                     \
+                QEL_DISPATCH();                                                        \
+            }
+            QEL_BINARY_OPERATIONS(QEL_FUSED_BINARY)
+#undef QEL_FUSED_BINARY
+            // The relation leaves an integer, which JPC takes without a test.
+#define QEL_FUSED_RELATION(name, operation)                                      \
+            op_LoadLit##name##Jump: {                                      \
+                QEL_LOAD_LIT(operation);                                         \
+                QEL_JUMP_IF_ZERO(c);                                             \
+            }                                                                    \
+            op_LoadLoad##name##Jump: {                                     \
+                QEL_LOAD_LOAD(operation);                                        \
+                QEL_JUMP_IF_ZERO(c);                                             \
+            } \
+            op_##name##Jump: {                                                   \
+                if (r.top == s || !operation(r.top[-1], *r.top)) QEL_LEAVE();    \
+                VALUE* const result = r.top - 1;                                 \
+                if (result == s) QEL_LEAVE_AT(1, result);                        \
+                r.top = result - 1;                                              \
+                if (result->intValue == 0) {                                     \
+                    TakeJump(r, *step, step->target);                            \
+                    QEL_DISPATCH();                                              \
+                }                                                                \
+                r.next += 2;                                                     \
+                QEL_DISPATCH();                                                  \
+            }                                                                    \
+            op_Lit##name##Jump: {                                                \
+                VALUE* const c = r.top + 1;                                      \
+                if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE(); \
+                if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
+                VALUE* const condition = r.top;                                  \
+                if (condition == s) QEL_LEAVE_AT(2, condition);                  \
+                r.top = condition - 1;                                           \
+                if (condition->intValue == 0) {                                  \
+                    TakeJump(r, *step, step->target);                            \
+                    QEL_DISPATCH();                                              \
+                }                                                                \
+                r.next += 3;                                                     \
+                QEL_DISPATCH();                                                  \
+            }
+            QEL_RELATIONS(QEL_FUSED_RELATION)
+#undef QEL_FUSED_RELATION
+            op_IncrementVariable:
+            op_DecrementVariable: {
+                VALUE* const variable = LocalAt(step->first);
+                VALUE* const c = r.top + 1;
+                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!TryStep(*c, step->op == Op::IncrementVariable ? 1 : -1)) QEL_LEAVE_AT(1, c);
+                if (!TryAssign(*variable, *c)) QEL_LEAVE_AT(2, c);
+                r.next += 3;
+                QEL_DISPATCH();
+            }
+            op_LitStore: {
+                VALUE* const c = r.top + 1;
+                if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE();
+                VALUE* const target = LocalAt(step->store);
+                if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(1, c);
+                r.next += 2;
+                QEL_DISPATCH();
+            }
+            op_LoadElement: {
+                VALUE* const variable = LocalAt(step->first);
+                VALUE* const c = r.top + 1;
+                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                const VALUE* const element = LocalElement(LocalAt(step->store), *c);
+                if (!element || !TryAssign(*c, *element)) QEL_LEAVE_AT(1, c);
+                r.top = c;
+                r.next += 2;
+                QEL_DISPATCH();
+            }
+            op_LoadLitStoreElement: {
+                VALUE* const variable = LocalAt(step->first);
+                VALUE* const c = r.top + 1;
+                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);
+                VALUE* const element = LocalElement(LocalAt(step->store), *c);
+                if (!element || !TryAssign(*element, c[1])) QEL_LEAVE_AT(2, c + 1);
+                r.next += 3;
+                QEL_DISPATCH();
+            }
+            op_LoadPair: {
+                VALUE* const variable = LocalAt(step->first);
+                VALUE* const second = LocalAt(step->second);
+                VALUE* const c = r.top + 1;
+                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!second || !TryAssign(c[1], *second)) QEL_LEAVE_AT(1, c);
+                r.top = c + 1;
+                r.next += 2;
+                QEL_DISPATCH();
+            }
+            op_LoadLitPair: {
+                VALUE* const variable = LocalAt(step->first);
+                VALUE* const c = r.top + 1;
+                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);
+                r.top = c + 1;
+                r.next += 2;
+                QEL_DISPATCH();
+            }
+            op_External: {
+                // The callback sees the machine as it stands, and so does the
+                // handler of an exception it lets through.
+                if (!step->ins->a) QEL_LEAVE();
+                ++r.next;
+                registers = r;
+                m.p = static_cast<int>(r.next - steps);
+                m.b = r.b;
+                m.t = static_cast<int>(r.top - s);
+                if (!CallExternalRoutine(m, *step->ins)) return FastEnd::RunOver;
+                if (watch.CheckCancel() != StopCause::None) {
+                    registers = r;
+                    return FastEnd::Cancelled;
+                }
+                QEL_DISPATCH();
+            }
+            op_LitValue:
+            op_Swap:
+            op_ReadInt:
+            op_ReadDouble:
+            op_Write:
+            op_OutOfCode: QEL_LEAVE();
+        }
+    }
+leave:
+    registers = r;
+    return FastEnd::Left;
+#undef QEL_DISPATCH
+#undef QEL_NEXT
+#undef QEL_LEAVE
+#undef QEL_LEAVE_AT
+#undef QEL_LOAD_LIT
+#undef QEL_LOAD_LOAD
+#undef QEL_JUMP_IF_ZERO
+#undef QEL_CHECKPOINT
+#undef QEL_PUSHED
+#undef QEL_UNARY
+#undef QEL_BINARY
+}
+#pragma GCC diagnostic pop
+
+}  // namespace qelkern

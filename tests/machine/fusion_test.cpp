@@ -1,0 +1,159 @@
+// The fused steps against the plain ones: random programs made of the
+// compiler's frequent sequences, with loops, texts, untagged literals, bad
+// offsets and a stack near its end, must leave the same cells (also above
+// t), registers, messages and step count either way.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "machine/decode.h"
+#include "qelkern/runcontrol.h"
+#include "tests/machine/program_builder.h"
+
+namespace {
+
+constexpr int variables = 6;
+constexpr int arrayAt = 3 + variables;  // its size cell; the elements follow
+constexpr int arraySize = 4;
+const Operation binaries[] = {oprPlus, oprMinus, oprTimes, oprDivide, oprEqual, oprNotEqual,
+                              oprLess, oprGreaterEqual, oprGreater, oprLessEqual, oprBitOr,
+                              oprBitAnd, oprOr, oprAnd};
+
+class ProgramMaker {
+public:
+    ProgramMaker(ProgramBuilder& builder, unsigned seed) : pb(builder), random(seed) {}
+
+    // Returns the size of the main block's frame.
+    int Make(int pieces) {
+        // BITOR and BITAND read a text cell's pointer as a number, which no
+        // two runs share: a program has texts or those, not both.
+        texts = Pick(0, 1) == 0;
+        // Now and then the frame reaches close to the end of the first stack.
+        const int frame = Pick(0, 3) == 0 ? Pick(9975, 9995) : arrayAt + 1 + arraySize;
+        pb.Begin(frame - 3).Lit(arraySize).Ins(STO, 0, arrayAt);
+        for (int i = 0; i < pieces; ++i) Piece();
+        // Not RET: the links may hold texts by now, whose pointers differ.
+        pb.Ins(JMP, 0, 0);
+        return frame;
+    }
+
+private:
+    int Pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
+    intptr_t Variable() { return Pick(0, 15) == 0 ? Pick(-4, 12) : 3 + Pick(0, variables - 1); }
+    Operation Binary() {
+        const Operation operation = binaries[Pick(0, 13)];
+        return texts && (operation == oprBitOr || operation == oprBitAnd) ? oprPlus : operation;
+    }
+    Operation Relation() { return binaries[Pick(4, 9)]; }
+    VALUE Literal() {
+        VALUE v;
+        switch (Pick(0, 9)) {
+            case 0: v = Pick(-2, 2) * 0.5; break;
+            case 1:
+                if (texts) v.SetString(Pick(0, 1) ? "0" : "7x");
+                break;
+            case 2: v.type = Pick(0, 1) ? 0 : 60; v.intValue = 0; break;
+            default: v = Pick(-3, 9); break;
+        }
+        return v;
+    }
+    int Here() { return pb.gen.Label(); }
+    void Load() { pb.Ins(LOD, 0, Variable()); }
+    void Store() { pb.Ins(STO, 0, Variable()); }
+
+    void Piece() {
+        switch (Pick(0, 20)) {
+            case 0: Load(); pb.Lit(Literal()).Op(Binary()); break;
+            case 1: Load(); Load(); pb.Op(Binary()); break;
+            case 2: Load(); pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 2 + Pick(1, 4)); break;
+            case 3: Load(); Load(); pb.Op(Relation()).Ins(JPC, 0, Here() + 2 + Pick(1, 4)); break;
+            case 4: {
+                const intptr_t v = Variable();
+                pb.Ins(LOD, 0, v).Op(Pick(0, 1) ? oprIncrement : oprDecrement).Ins(STO, 0, v);
+                break;
+            }
+            case 5: pb.Lit(Literal()); Store(); break;
+            case 6: Load(); pb.Lit(Literal()).Op(Binary()); Store(); break;
+            case 7: pb.Op(Binary()); Store(); break;
+            case 8: pb.Lit(Literal()).Op(Binary()); break;
+            case 9: Load(); break;
+            case 10: pb.Lit(Literal()); break;
+            case 11: Store(); break;
+            case 12: pb.Ins(Pick(0, 1) ? JPC : JMP, 0, Pick(1, Here())); break;  // back: a loop
+            case 13: Load(); pb.Ins(LODI, 0, arrayAt); break;
+            case 14: Load(); pb.Lit(Literal()).Ins(STOI, 0, arrayAt); break;
+            case 15: pb.Op(Relation()).Ins(JPC, 0, Here() + 2 + Pick(1, 4)); break;
+            case 16: Load(); Load(); pb.Op(Binary()); Store(); break;
+            case 17: Load(); pb.Op(Binary()); break;
+            case 18: pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 3 + Pick(1, 4)); break;
+            case 19: pb.Lit(Literal()); Load(); pb.Op(Binary()); break;
+            default: pb.Ins(INT, 0, Pick(-3, 3)); break;
+        }
+    }
+
+    ProgramBuilder& pb;
+    std::mt19937 random;
+    bool texts = false;
+};
+
+// What a run leaves: messages, registers, steps, and every cell of the stack.
+struct Outcome {
+    Texts messages;
+    int p, b, t, failed;
+    uint64_t steps;
+    std::vector<std::pair<int, std::string>> cells;  // tag and payload
+};
+
+Outcome RunMade(unsigned seed, bool fused) {
+    ProgramBuilder pb;
+    CRunControl control;
+    control.maxSteps = 4000;  // loops end here, at the same jump either way
+    const int frame = ProgramMaker(pb, seed).Make(40);
+    pb.machine.control = &control;
+    qelkern::fuseSteps = fused;
+    Outcome outcome{pb.Run(), pb.machine.p, pb.machine.b, pb.machine.t, pb.machine.failed,
+                    control.stepsTaken, {}};
+    qelkern::fuseSteps = true;
+    // The cells that a program can reach: those of the frame's start and
+    // those above its end, as far as 40 pieces can push.
+    std::vector<int> reached;
+    for (int i = 0; i < 200; ++i) reached.push_back(i);
+    for (int i = std::max(200, frame - 10); i < std::min(pb.machine.stackCapacity, frame + 200); ++i)
+        reached.push_back(i);
+    for (int i : reached) {
+        const VALUE& cell = pb.Cell(i);
+        std::string payload = cell.type == 57 ? cell.GetStringPtr()->str()
+                                              : std::string(reinterpret_cast<const char*>(&cell.doubleValue),
+                                                            cell.type == 41 ? 8 : 4);
+        outcome.cells.emplace_back(cell.type, payload);
+    }
+    return outcome;
+}
+
+}  // namespace
+
+TEST(FusedSteps, DoWhatThePlainStepsDo) {
+    int stopped = 0, failed = 0;
+    for (unsigned seed = 1; seed <= 1000; ++seed) {
+        const Outcome plain = RunMade(seed, false);
+        const Outcome fused = RunMade(seed, true);
+        ASSERT_EQ(fused.messages, plain.messages) << "seed " << seed;
+        ASSERT_EQ(fused.p, plain.p) << "seed " << seed;
+        ASSERT_EQ(fused.b, plain.b) << "seed " << seed;
+        ASSERT_EQ(fused.t, plain.t) << "seed " << seed;
+        ASSERT_EQ(fused.failed, plain.failed) << "seed " << seed;
+        ASSERT_EQ(fused.steps, plain.steps) << "seed " << seed;
+        ASSERT_EQ(fused.cells.size(), plain.cells.size()) << "seed " << seed;
+        for (size_t i = 0; i < plain.cells.size(); ++i)
+            ASSERT_EQ(fused.cells[i], plain.cells[i]) << "seed " << seed << " cell " << i;
+        stopped += plain.messages == Texts{"Skript abgebrochen: Schrittgrenze erreicht."};
+        failed += plain.failed;
+    }
+    // The programs reach both ends: loops that the budget stops, and errors.
+    EXPECT_GT(stopped, 100);
+    EXPECT_GT(failed - stopped, 100);
+}
