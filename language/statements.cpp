@@ -1,6 +1,7 @@
 // The statement dispatcher and lists of statements: assignment, compound,
 // IF, and the jumps BREAK, CONTINUE and EXIT.
 #include "language/productions.h"
+#include "machine/debug_info.h"
 #include "qelkern/machine.h"
 
 namespace {
@@ -28,6 +29,7 @@ bool StartsStatement(Symbol sym) {
 void CParser::statement() {
     if (!ok) return;
     WriteString("statement");
+    if (debugInfo) debugInfo->Statement(*scanner, generator->Label());
     switch (scanner->sym) {
     case symIdent:
         IdentifierStatement();

@@ -6,6 +6,8 @@
 #include "machine/decode.h"
 #include "machine/host_calls.h"
 #include "machine/name_tables.h"
+#include "machine/stepper.h"
+#include "machine/debug_run.h"
 #include "qelkern/machine.h"
 #include "qelkern/userinterface.h"
 
@@ -568,6 +570,43 @@ void Run(CInterpreter& m) {
 
 }  // namespace
 
+struct qelkern::MachineStepper::State {
+    CInterpreter& m;
+    int length;
+    std::vector<qelkern::Step> decoded;
+    Registers r{};
+};
+
+qelkern::MachineStepper::MachineStepper(CInterpreter& machine)
+    : state(new State{machine, UsedLength(machine), {}, {}}) {
+    state->decoded = Decode(machine.code, state->length);
+    Registers& r = state->r;
+    r.next = state->decoded.data() + machine.p;
+    r.top = machine.stack + machine.t;
+    r.b = machine.b;
+    SetFrame(r, machine.stack, machine.stackCapacity);
+}
+
+qelkern::MachineStepper::~MachineStepper() = default;
+
+// One turn of Run's inner loop, with the registers written back.
+bool qelkern::MachineStepper::Step() {
+    CInterpreter& m = state->m;
+    Registers& r = state->r;
+    const qelkern::Step* const steps = state->decoded.data();
+    if (!GeneralStep(m, r, steps, state->length)) return false;
+    const int t = static_cast<int>(r.top - m.stack);
+    if (InReserve(m, r)) {
+        if (!Grow(m, AddressOf(steps, r.next), r.b, t, 0)) return false;
+        r.top = m.stack + t;
+        SetFrame(r, m.stack, m.stackCapacity);
+    }
+    m.p = AddressOf(steps, r.next);
+    m.b = r.b;
+    m.t = t;
+    return true;
+}
+
 CInterpreter::CInterpreter()
     : code(new Instruction[initialCapacity]), stack(new VALUE[initialCapacity]) {
     FillNameTables();
@@ -585,6 +624,7 @@ void CInterpreter::Interpret() {
     // Cell 3 too: it holds the main block's return address, 0, which ends
     // the run at its RET, also when an interpreter is run a second time.
     for (int i = 0; i <= 3; ++i) stack[i] = VALUE();
+    if (DebugRun* debugged = DebugRunOf(*this)) return debugged->Run();
     Run(*this);
 }
 
@@ -616,6 +656,7 @@ int CInterpreter::TesteStack(int n) {
 void CInterpreter::err(CString text) {
     CString shown;
     shown.Format("%s", static_cast<const char*>(text));
+    if (DebugRun* debugged = DebugRunOf(*this)) debugged->ReportError(shown);
     GetUserInterface().ShowMessage(shown, CString(), CUserInterface::IconError);
     failed = 1;
 }

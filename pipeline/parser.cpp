@@ -1,6 +1,7 @@
 // The parser's frame: construction, the top of the parse, error reporting.
 #include "qelkern/parser.h"
 
+#include "machine/debug_info.h"
 #include "qelkern/userinterface.h"
 
 namespace {
@@ -64,6 +65,7 @@ void CParser::Parse() {
     scanner->GetSym();
     NewBlock();
     block("main");
+    if (debugInfo) debugInfo->MainBlock(*topScope, generator->Label());
     DoneBlock();
     if (scanner->sym != symPeriod) err(9);
 }

@@ -1,10 +1,12 @@
 // The library's entry for compiling and running a script.
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <string>
 
+#include "machine/debug_run.h"
 #include "qelkern/machine.h"
 #include "qelkern/parser.h"
 #include "qelkern/scanner.h"
@@ -37,10 +39,11 @@ struct ScriptRun {
 
 // The prelude in front of the script. The script is taken up to its first NUL
 // and never beyond `length`, whatever the caller claims.
-std::string JoinWithPrelude(const CString& dir, const char* text, int length) {
+std::string JoinWithPrelude(const CString& dir, const char* text, int length, int& preludeLines) {
     CString prelude;
     LeseTextAusDatei(dir + "extern.qel", prelude);
     std::string joined = prelude.str();
+    preludeLines = static_cast<int>(std::count(joined.begin(), joined.end(), '\n'));
     if (text != nullptr && length > 0) joined.append(text, strnlen(text, static_cast<size_t>(length)));
     return joined;
 }
@@ -60,9 +63,11 @@ bool Compile(CParser& parser) {
 
 int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, bool run) {
     int result = 0;
-    std::string joined = JoinWithPrelude(dir, text, length);
+    int preludeLines = 0;
+    std::string joined = JoinWithPrelude(dir, text, length, preludeLines);
     if (joined.size() > static_cast<size_t>(INT_MAX)) return 0;
     ScriptRun objects(joined.data(), static_cast<int>(joined.size()), showErrors);
+    qelkern::ScriptDebugging debugging(*objects.parser, preludeLines);
 
     if (Compile(*objects.parser)) result = 1;
 
@@ -75,6 +80,7 @@ int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, b
     } else {
         objects.generator->DebugFlushToFile();
         if (run) {
+            debugging.Attach(*objects.interpreter);
             objects.interpreter->Interpret();
             result = objects.interpreter->failed ? 0 : 1;
         }

@@ -10,6 +10,9 @@
 
 class CGenerator;
 class CScanner;
+namespace qelkern {
+class DebugInfo;
+}
 
 enum ObjectClass : int { Const = 0, Var = 1, Proc = 2, Func = 3, Head = 4 };
 
@@ -179,4 +182,8 @@ private:
     void PushArrayCopy(Object* variable, bool hostStrings);
     void TakeBack(Object* variable);
     void HostStringCell();
+
+public:
+    // Where statements, routines and frames lie, for a debugger; null: not recorded.
+    qelkern::DebugInfo* debugInfo = nullptr;
 };

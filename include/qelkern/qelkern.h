@@ -14,3 +14,4 @@
 #include "qelkern/window.h"
 #include "qelkern/richedit.h"
 #include "qelkern/editor.h"
+#include "qelkern/debugger.h"
