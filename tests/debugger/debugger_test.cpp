@@ -46,11 +46,18 @@ std::string VariablesText(const CDebugPause& pause, size_t frame) {
     return text;
 }
 
-// "5 q@5 p@9 main@14 | k=1": the line, the call stack, the innermost frame's variables.
+// "5 q@5^2 q@5 p@9 main@14 | k=0": the line, the call stack, the innermost
+// frame's variables. "^2": the enclosing block's activation is frame 2, not
+// the caller's.
 std::string PauseText(const CDebugPause& pause) {
     std::string text = LineText(pause.location);
-    for (const CDebugFrame& frame : pause.frames)
+    for (size_t i = 0; i < pause.frames.size(); ++i) {
+        const CDebugFrame& frame = pause.frames[i];
         text += " " + frame.routine.str() + "@" + LineText(frame.location);
+        if (frame.outerFrame >= 0 && static_cast<size_t>(frame.outerFrame) != i + 1)
+            text += "^" + std::to_string(frame.outerFrame);
+        if (frame.isMainBlock != (i + 1 == pause.frames.size())) text += "!main";
+    }
     const std::string variables = VariablesText(pause, 0);
     return variables.empty() ? text : text + " | " + variables;
 }
@@ -147,8 +154,8 @@ TEST(Debugger, BreakpointsAndStepsShowLinesStacksAndVariables) {
         {"each activation of the recursion has its own values",
          recursion, {5, 14}, Continue, {},
          {"5 merke@5 fak@8 main@13 | VAR x=\"\"",
-          "5 merke@5 fak@8 fak@10 main@13 | VAR x=\"*\"",
-          "5 merke@5 fak@8 fak@10 fak@10 main@13 | VAR x=\"**\"",
+          "5 merke@5 fak@8^3 fak@10 main@13 | VAR x=\"*\"",
+          "5 merke@5 fak@8^4 fak@10^4 fak@10 main@13 | VAR x=\"**\"",
           "14 main@14 | r=6 t=\"***\""}},
         {"step into, over and out through nested routines",
          nested, {}, StepInto,
@@ -157,8 +164,8 @@ TEST(Debugger, BreakpointsAndStepsShowLinesStacksAndVariables) {
           "14 main@14 | a=1 b=0",
           "9 p@9 main@14 | VAR x=1",
           "5 q@5 p@9 main@14 | k=1",
-          "5 q@5 q@5 p@9 main@14 | k=0",
-          "6 q@6 q@5 p@9 main@14 | k=0",
+          "5 q@5^2 q@5 p@9 main@14 | k=0",
+          "6 q@6^2 q@5 p@9 main@14 | k=0",
           "6 q@6 p@9 main@14 | k=1",
           "10 p@10 main@14 | VAR x=2",
           "15 main@15 | a=20 b=0"}},
@@ -166,7 +173,7 @@ TEST(Debugger, BreakpointsAndStepsShowLinesStacksAndVariables) {
          nested, {13, 6}, Continue, {StepOver, StepOver, StepOut, StepOut},
          {"13 main@13 | a=0 b=0",
           "14 main@14 | a=1 b=0",
-          "6 q@6 q@5 p@9 main@14 | k=0",
+          "6 q@6^2 q@5 p@9 main@14 | k=0",
           "6 q@6 p@9 main@14 | k=1",
           "10 p@10 main@14 | VAR x=2"}},
         {"step out of the main block runs to the end",
@@ -183,27 +190,6 @@ TEST(Debugger, BreakpointsAndStepsShowLinesStacksAndVariables) {
         EXPECT_EQ(debugger.stops, session.stops) << session.name;
         EXPECT_TRUE(ui.ui.events.empty()) << session.name;
     }
-}
-
-// A nested routine reaches its enclosing routine's frame by the static
-// link, which in recursion is not its caller's frame.
-TEST(Debugger, FramesKnowTheirEnclosingBlock) {
-    ScopedDebugger scoped;
-    TestDebugger& debugger = scoped.debugger;
-    debugger.SetBreakpoint(DebugFile::Script, 6);
-    std::vector<std::vector<int>> outer;
-    std::vector<std::string> enclosing;
-    debugger.inspect = [&](const CDebugPause& pause) {
-        std::vector<int> links;
-        for (const CDebugFrame& frame : pause.frames) links.push_back(frame.outerFrame);
-        outer.push_back(links);
-        const int p = pause.frames[0].outerFrame;
-        enclosing.push_back(p < 0 ? "" : VariablesText(pause, static_cast<size_t>(p)));
-        EXPECT_TRUE(pause.frames.back().isMainBlock);
-    };
-    EXPECT_EQ(RunText(nested), 1);
-    EXPECT_EQ(outer, (std::vector<std::vector<int>>{{2, 2, 3, -1}, {1, 2, -1}}));
-    EXPECT_EQ(enclosing, (std::vector<std::string>{"VAR x=1", "VAR x=1"}));
 }
 
 TEST(Debugger, ShowsDeclaredTypesAndEveryValueAsItIs) {
