@@ -2,6 +2,7 @@
 // addresses, and each frame's variables read through its layout. Nothing
 // here writes to the machine, and every link is checked before it is
 // followed: a run-time error may pause a run in any state.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -62,21 +63,23 @@ void DebugRun::FillFrames(CDebugPause& pause, int address) const {
         frame.base = b;
         pause.frames.push_back(frame);
         pause.frameRoutines.push_back(routine);
-        // The caller's frame lies below, and its CALL just before the return address.
-        if (frame.isMainBlock || !Readable(b, static_cast<int64_t>(b) + 2)) break;
+        // The caller's frame lies below, and its CALL just before the return
+        // address. CALL writes the links above t, so only the capacity bounds them.
+        if (frame.isMainBlock || b < 1 || static_cast<int64_t>(b) + 2 >= machine.stackCapacity) break;
         const int caller = machine.stack[b + 1].intValue;
         const int back = machine.stack[b + 2].intValue;
         if (caller < 1 || caller >= b || back < 1 || back > codeLength) break;
         b = caller;
         address = back - 1;
     }
-    for (size_t i = 0; i + 1 < pause.frames.size(); ++i) {
-        const int link = machine.stack[pause.frames[i].base].intValue;
-        for (size_t j = i + 1; j < pause.frames.size(); ++j)
-            if (pause.frames[j].base == link) {
-                pause.frames[i].outerFrame = static_cast<int>(j);
-                break;
-            }
+    // Bases fall from frame to frame, so the static link's frame is found by halving.
+    std::vector<CDebugFrame>& frames = pause.frames;
+    for (size_t i = 0; i + 1 < frames.size(); ++i) {
+        const int link = machine.stack[frames[i].base].intValue;
+        auto found = std::lower_bound(frames.begin() + static_cast<std::ptrdiff_t>(i) + 1, frames.end(), link,
+                                      [](const CDebugFrame& f, int base) { return f.base > base; });
+        if (found != frames.end() && found->base == link)
+            frames[i].outerFrame = static_cast<int>(found - frames.begin());
     }
 }
 

@@ -6,8 +6,8 @@
 #include "machine/decode.h"
 #include "machine/host_calls.h"
 #include "machine/name_tables.h"
-#include "machine/stepper.h"
 #include "machine/debug_run.h"
+#include "machine/stepper.h"
 #include "qelkern/machine.h"
 #include "qelkern/userinterface.h"
 
@@ -624,8 +624,10 @@ void CInterpreter::Interpret() {
     // Cell 3 too: it holds the main block's return address, 0, which ends
     // the run at its RET, also when an interpreter is run a second time.
     for (int i = 0; i <= 3; ++i) stack[i] = VALUE();
-    if (DebugRun* debugged = DebugRunOf(*this)) return debugged->Run();
-    Run(*this);
+    if (DebugRun* debugged = DebugRunOf(*this))
+        debugged->Run();
+    else
+        Run(*this);
 }
 
 int CInterpreter::base(int l) { return FollowLinks(stack, stackCapacity, b, l); }

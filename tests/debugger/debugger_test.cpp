@@ -345,6 +345,25 @@ TEST(Debugger, RuntimeErrorReachesTheHookBeforeItsMessageBox) {
     EXPECT_EQ(message, "Division durch Null");
     EXPECT_EQ(boxesBefore, 0u);
     EXPECT_EQ(ui.ui.Messages(), (std::vector<CString>{"Division durch Null"}));
+
+    // Entering a routine overflows the stack: the new frame's links are
+    // there, its variables are not.
+    debugger.stops.clear();
+    debugger.inspect = [&](const CDebugPause& pause) {
+        ASSERT_GT(pause.frames.size(), 1000u);
+        EXPECT_EQ(pause.frames[1].location.line, 3);
+        EXPECT_TRUE(pause.frames.back().isMainBlock);
+        const std::vector<CDebugVariable> innermost = pause.Variables(0);
+        ASSERT_EQ(innermost.size(), 2u);
+        EXPECT_EQ(innermost[0].value.text, CString(std::to_string(pause.frames.size() - 2).c_str()));
+        EXPECT_FALSE(innermost[1].available);
+        EXPECT_EQ(pause.Variables(1)[1].value.text, "lokal");
+    };
+    EXPECT_EQ(RunText(Join({"PROCEDURE p(n : INTEGER); VAR s : STRING;", "BEGIN s := \"lokal\";",
+                            "  p(n + 1) END;", "BEGIN p(0) END."})),
+              0);
+    EXPECT_EQ(debugger.stops.size(), 1u);
+    EXPECT_EQ(ui.ui.Messages().back(), "Stacküberlauf.");
 }
 
 // A host's window thread sets a breakpoint in a loop that is already
