@@ -42,6 +42,7 @@ DebugRun::DebugRun(CInterpreter& m, const DebugInfo& debugInfo, CDebugger& host)
     marks.assign(static_cast<size_t>(length), 0);
     lines.assign(static_cast<size_t>(length), -1);
     for (const StatementStart& start : info.Statements()) {
+        if (start.address >= length) continue;  // a compile that never finished its main block
         marks[static_cast<size_t>(start.address)] |= statementStart;
         lines[static_cast<size_t>(start.address)] = start.line;
     }
