@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <mutex>
 
+#include "machine/run_watch.h"
 #include "machine/stepper.h"
 
 namespace qelkern {
@@ -53,7 +54,7 @@ DebugRun::~DebugRun() {
     if (attached == this) attached = nullptr;
 }
 
-void DebugRun::Run() {
+void DebugRun::Run(RunWatch& watch) {
     debugger.pauseRequested.store(false, std::memory_order_relaxed);
     debugger.stopRequested.store(false, std::memory_order_relaxed);
     SyncBreakpoints();
@@ -61,10 +62,13 @@ void DebugRun::Run() {
     modeFrame = machine.b;
     modeLine = -1;
     running = true;
-    MachineStepper stepper(machine);
+    MachineStepper stepper(machine, watch);
     do {
         if (!AtStatement(machine.p)) {
+            // A stop as by a cancel, but without a message: the user asked for it.
+            watch.Stop(StopCause::Cancelled);
             machine.failed = 1;
+            stoppedByHost = true;
             break;
         }
     } while (stepper.Step());

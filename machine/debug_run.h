@@ -14,6 +14,8 @@
 
 namespace qelkern {
 
+class RunWatch;
+
 class DebugRun {
 public:
     // Attaches itself to `machine` for its lifetime.
@@ -23,11 +25,13 @@ public:
     DebugRun& operator=(const DebugRun&) = delete;
 
     // In place of the fast loop, from the registers Interpret has set.
-    void Run();
+    void Run(RunWatch& watch);
     // A run-time error, before its message box.
     void ReportError(const CString& text);
 
     bool IsFor(const CInterpreter& m) const { return &m == &machine; }
+    // The host's Stop command ended the run.
+    bool StoppedByHost() const { return stoppedByHost; }
 
     // For CDebugPause: the variables of one frame.
     std::vector<CDebugVariable> Variables(int routine, int base) const;
@@ -53,6 +57,7 @@ private:
     int modeFrame = 0;  // b and the line where the step command was given
     int modeLine = -1;
     bool running = false;
+    bool stoppedByHost = false;
 };
 
 // The debug run attached to `machine`; null: run at full speed.
@@ -67,6 +72,7 @@ public:
     ~ScriptDebugging();
     // Before Interpret.
     void Attach(CInterpreter& machine);
+    bool StoppedByHost() const { return run && run->StoppedByHost(); }
 
 private:
     CDebugger* const debugger;

@@ -1,10 +1,14 @@
+#include <algorithm>
 #include <cstdint>
 #include <new>
 
 #include "qelkern/machine.h"
+#include "pipeline/script_error.h"
 
 // Name of the listing file; empty switches the listing off.
 CString DebugListingFile;
+// The listing shows the source place of each statement's code.
+bool DebugListingLines = false;
 
 namespace {
 
@@ -75,12 +79,40 @@ void CGenerator::TesteCode(int n) {
 
 void CGenerator::err(CString) { failed = 1; }
 
+// A mark at an address that a dropped jump has given back, or that an empty
+// statement left without code, gives way to the newer one.
+void CGenerator::MarkSource(int line, int position) {
+    while (!sourceMarks.empty() && sourceMarks.back().address >= cx) sourceMarks.pop_back();
+    sourceMarks.push_back({cx, line, position});
+}
+
+bool CGenerator::SourceOf(int address, int& line, int& position) const {
+    auto after = std::upper_bound(sourceMarks.begin(), sourceMarks.end(), address,
+                                  [](int at, const SourceMark& mark) { return at < mark.address; });
+    if (address < 0 || address >= cx || after == sourceMarks.begin()) return false;
+    --after;
+    line = after->line;
+    position = after->position;
+    return true;
+}
+
+void CGenerator::WritePlaceLines(int address, size_t& nextMark) {
+    for (; nextMark < sourceMarks.size() && sourceMarks[nextMark].address <= address; ++nextMark) {
+        const SourceMark& mark = sourceMarks[nextMark];
+        const CString place = qelkern::DescribePlace(mark.line, mark.position);
+        if (!place.IsEmpty()) listFile.WriteString("; " + place + "\n");
+    }
+}
+
 void CGenerator::DebugFlushToFile() {
     if (DebugListingFile.IsEmpty()) return;
     if (!listFile.Open(DebugListingFile, CStdioFile::modeCreate | CStdioFile::modeWrite |
                                              CStdioFile::typeText))
         return;
-    for (int address = 0; address < cx; ++address)
+    size_t nextMark = 0;
+    for (int address = 0; address < cx; ++address) {
+        if (DebugListingLines) WritePlaceLines(address, nextMark);
         listFile.WriteString(interpreter->code[address].GetText(address));
+    }
     listFile.Close();
 }

@@ -9,10 +9,14 @@
 
 namespace qelkern {
 
+class RunWatch;
+
 class MachineStepper {
 public:
-    // Takes the registers as Interpret has set them for the start of a run.
-    explicit MachineStepper(CInterpreter& machine);
+    // Takes the registers as Interpret has set them for the start of a run;
+    // the host's run control applies as in the fast loop.
+    MachineStepper(CInterpreter& machine, RunWatch& watch);
+    // Records the steps taken in the run control.
     ~MachineStepper();
     MachineStepper(const MachineStepper&) = delete;
     MachineStepper& operator=(const MachineStepper&) = delete;

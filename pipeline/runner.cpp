@@ -11,6 +11,7 @@
 #include "qelkern/parser.h"
 #include "qelkern/scanner.h"
 #include "qelkern/userinterface.h"
+#include "pipeline/script_error.h"
 
 namespace {
 
@@ -37,13 +38,21 @@ struct ScriptRun {
     std::unique_ptr<CParser> parser;
 };
 
+int CountLines(const std::string& text) {
+    return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
+}
+
 // The prelude in front of the script. The script is taken up to its first NUL
-// and never beyond `length`, whatever the caller claims.
-std::string JoinWithPrelude(const CString& dir, const char* text, int length, int& preludeLines) {
+// and never beyond `length`, whatever the caller claims. The error record
+// learns where the script starts.
+std::string JoinWithPrelude(const CString& dir, const char* text, int length,
+                            const CString& scriptPath, int& preludeLines) {
+    const CString preludePath = dir + "extern.qel";
     CString prelude;
-    LeseTextAusDatei(dir + "extern.qel", prelude);
+    const bool hasPrelude = LeseTextAusDatei(preludePath, prelude) != 0;
     std::string joined = prelude.str();
-    preludeLines = static_cast<int>(std::count(joined.begin(), joined.end(), '\n'));
+    preludeLines = CountLines(joined);
+    qelkern::BeginScriptRecord(hasPrelude ? preludePath : CString(), preludeLines, scriptPath);
     if (text != nullptr && length > 0) joined.append(text, strnlen(text, static_cast<size_t>(length)));
     return joined;
 }
@@ -61,10 +70,25 @@ bool Compile(CParser& parser) {
     return false;
 }
 
-int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, bool run) {
+// The run-time error with the place of the statement that failed: the
+// machine's `p` stands behind the failing instruction.
+void RecordRuntimeError(const CGenerator& generator, const CInterpreter& machine,
+                        bool stoppedByDebugger) {
+    int line = -1;
+    int position = -1;
+    generator.SourceOf(machine.p - 1, line, position);
+    StopCause cause = machine.control != nullptr ? machine.control->stopCause : StopCause::None;
+    if (stoppedByDebugger) cause = StopCause::Cancelled;
+    const ScriptErrorKind kind =
+        cause == StopCause::None ? ScriptErrorKind::Runtime : ScriptErrorKind::Stopped;
+    qelkern::ReportDiagnostic(kind, line, position, machine.errorText, cause);
+}
+
+int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, bool run,
+                  const CString& scriptPath) {
     int result = 0;
     int preludeLines = 0;
-    std::string joined = JoinWithPrelude(dir, text, length, preludeLines);
+    std::string joined = JoinWithPrelude(dir, text, length, scriptPath, preludeLines);
     if (joined.size() > static_cast<size_t>(INT_MAX)) return 0;
     ScriptRun objects(joined.data(), static_cast<int>(joined.size()), showErrors);
     qelkern::ScriptDebugging debugging(*objects.parser, preludeLines);
@@ -83,19 +107,26 @@ int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, b
             debugging.Attach(*objects.interpreter);
             objects.interpreter->Interpret();
             result = objects.interpreter->failed ? 0 : 1;
+            if (!result)
+                RecordRuntimeError(*objects.generator, *objects.interpreter, debugging.StoppedByHost());
         }
     }
     return result;
 }
 
-}  // namespace
-
-int RunScript(CString dir, char* text, int length, bool showErrors, bool run) {
+int GuardedRun(const CString& dir, char* text, int length, bool showErrors, bool run,
+               const CString& scriptPath) {
     try {
-        return CompileAndRun(dir, text, length, showErrors, run);
+        return CompileAndRun(dir, text, length, showErrors, run, scriptPath);
     } catch (const std::bad_alloc&) {
         return 0;  // a text too large for memory fails like any other run
     }
+}
+
+}  // namespace
+
+int RunScript(CString dir, char* text, int length, bool showErrors, bool run) {
+    return GuardedRun(dir, text, length, showErrors, run, CString());
 }
 
 int RunScript(CString dir, char* text, int length, bool showErrors) {
@@ -106,7 +137,7 @@ int RunScript(CString dir, CString file, bool showErrors) {
     CString text;
     LeseTextAusDatei(file, text);  // a missing file is an empty script
     std::string bytes = text.str();
-    return RunScript(dir, bytes.data(), static_cast<int>(bytes.size()), showErrors, true);
+    return GuardedRun(dir, bytes.data(), static_cast<int>(bytes.size()), showErrors, true, file);
 }
 
 int LeseTextAusDatei(CString path, CString& text) {

@@ -7,6 +7,7 @@
 
 #include "qelkern/parser.h"
 #include "qelkern/userinterface.h"
+#include "pipeline/script_error.h"
 
 namespace {
 
@@ -86,6 +87,8 @@ void CScanner::GetSym() {
     // must not deepen the native stack.
     for (;;) {
         while (!eof && isBlank(ch)) GetCh();
+        symLine = line;
+        symPosition = position;
         if (eof) {
             sym = symEof;
             return;
@@ -156,6 +159,7 @@ void CScanner::GetSym() {
 
 void CScanner::Mark(CString message) {
     errorFound = 1;
+    qelkern::ReportDiagnostic(ScriptErrorKind::Scanner, symLine, symPosition, message);
     CString text;
     text.Format("Scanner: Zeile: %d Position: %d: %s\n", line, position,
                 static_cast<const char*>(message));

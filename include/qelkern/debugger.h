@@ -33,7 +33,7 @@ enum class DebugCommand : int {
     StepInto,  // pause at the next line, also inside a called routine
     StepOver,  // pause at the next line of this routine or of a caller
     StepOut,   // pause at the next line of a caller
-    Stop,      // end the run now: RunScript gives 0 and shows no message
+    Stop,      // end the run now, as a cancel but without a message: RunScript gives 0
 };
 
 enum class DebugReason : int {
@@ -118,8 +118,9 @@ public:
     virtual ~CDebugger();
 
     // Called on the script's thread when the run pauses; the run waits until
-    // it returns. At a run-time error the command is not looked at: the run
-    // ends with the error's message box.
+    // it returns (and a run control's time limit goes on counting). At a
+    // run-time error the command is not looked at: the run ends with the
+    // error's message box.
     virtual DebugCommand OnPause(const CDebugPause& pause) = 0;
     // Called on the script's thread when a breakpoint is placed on another
     // line than the one asked for (placed.line 0: no statement there or below).

@@ -39,6 +39,9 @@ public:
     Symbol sym = symNull;
     VALUE value;
     int nextType = firstTypedefTag;
+    // Where the current symbol starts, counted as `line` and `position`.
+    int symLine = 0;
+    int symPosition = 0;
 };
 
 QELKERN_API int RunScript(CString dir, char* text, int length, bool showErrors, bool run);

@@ -309,6 +309,8 @@ TEST(Debugger, StopEndsTheRunWithoutAMessage) {
     EXPECT_EQ(RunText(Join({"VAR i : INTEGER;", "BEGIN", "  i := 1;", "  i := 2;", "  i := i / 0", "END."})), 0);
     EXPECT_EQ(debugger.stops, (std::vector<std::string>{"3 main@3 | i=0", "4 main@4 | i=1"}));
     EXPECT_TRUE(ui.ui.events.empty());
+    EXPECT_EQ(GetLastScriptError().kind, ScriptErrorKind::Stopped);
+    EXPECT_EQ(GetLastScriptError().cause, StopCause::Cancelled);
 
     // The next run starts afresh and runs to its end.
     debugger.stops.clear();
@@ -368,8 +370,9 @@ TEST(Debugger, RuntimeErrorReachesTheHookBeforeItsMessageBox) {
 
 // A host's window thread sets a breakpoint in a loop that is already
 // running, then the hook stops the run; a stop request alone ends it too.
-TEST(Debugger, OtherThreadsReachARunningScript) {
+TEST(Debugger, OtherThreadsAndRunLimitsReachARunningScript) {
     const std::string endless = Join({"VAR i : INTEGER;", "BEGIN", "  LOOP", "    i := i + 1", "  END", "END."});
+    ScopedRecordingUi ui;
     ScopedDebugger scoped;
     TestDebugger& debugger = scoped.debugger;
     debugger.commands = {Stop};
@@ -396,4 +399,15 @@ TEST(Debugger, OtherThreadsReachARunningScript) {
     ended = true;
     stopper.join();
     EXPECT_TRUE(debugger.stops.empty());
+
+    // The host's step limit holds under the debugger, to the instruction:
+    // three to start, five per pass, and the budget ends within the 2000th.
+    CRunControl control;
+    control.maxSteps = 10000;
+    pRunControl = &control;
+    EXPECT_EQ(RunText(endless), 0);
+    pRunControl = nullptr;
+    EXPECT_EQ(debugger.stops, (std::vector<std::string>{"4 main@4 | i=1999"}));
+    EXPECT_EQ(debugger.reasons.back(), DebugReason::RuntimeError);
+    EXPECT_EQ(ui.ui.Messages(), (std::vector<CString>{"Skript abgebrochen: Schrittgrenze erreicht."}));
 }
