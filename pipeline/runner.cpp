@@ -114,11 +114,22 @@ int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, b
     return result;
 }
 
+// Memory is back once the failed allocation has unwound; if not, the record
+// stays as it was rather than let a second failure escape.
+void RecordOutOfMemory() noexcept {
+    try {
+        qelkern::ReportDiagnostic(ScriptErrorKind::OutOfMemory, -1, -1,
+                                  "Nicht genügend Speicher für das Skript.");
+    } catch (...) {
+    }
+}
+
 int GuardedRun(const CString& dir, char* text, int length, bool showErrors, bool run,
                const CString& scriptPath) {
     try {
         return CompileAndRun(dir, text, length, showErrors, run, scriptPath);
     } catch (const std::bad_alloc&) {
+        RecordOutOfMemory();
         return 0;  // a text too large for memory fails like any other run
     }
 }

@@ -34,6 +34,7 @@ struct QELKERN_API DialogTemplate {
     const DialogItem* items;
     int itemCount;
 
+    // The item with this id, or null.
     const DialogItem* FindItem(int id) const;
 };
 

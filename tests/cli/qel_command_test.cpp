@@ -121,17 +121,19 @@ TEST(QelCommand, ErrorsExitWithOneAndNameTheirPlace) {
 }
 
 TEST(QelCommand, CompileOnlyDoesNotRunAndWritesTheListing) {
-    // From a file and from -e: the message box never comes.
+    // From a file and from -e: the message box never comes. The statement's
+    // code is marked with its place in the script, not in the joined text.
     const std::string dir = MakeTempDir("cli-compile-only");
     const char* text = "BEGIN MeldungInt(\"nie\", \"gezeigt\", 1) END.\n";
     WriteFileBytes(dir + "meldung.qel", text);
     for (const Lines& source : {Lines{dir + "meldung.qel"}, Lines{"-e", text}}) {
-        Lines args = {"--compile-only", "--listing", dir + "code.asm", "--ui", "json",
-                      "--prelude-dir", ExamplesDir()};
+        Lines args = {"--compile-only", "--listing", dir + "code.asm", "--listing-lines",
+                      "--ui", "json", "--prelude-dir", ExamplesDir()};
         args.insert(args.end(), source.begin(), source.end());
         const CommandResult run = RunQel(args);
         EXPECT_EQ(run.exitCode, 0) << run.err;
         EXPECT_EQ(run.OutLines(), Lines{ResultLine(1, 0)});
+        EXPECT_TRUE(Contains(ReadFileBytes(dir + "code.asm"), "; 1:7\n"));
         EXPECT_TRUE(Contains(ReadFileBytes(dir + "code.asm"), "EXTCALL, \"MeldungInt\""));
         WriteFileBytes(dir + "code.asm", "");
     }
