@@ -1,6 +1,7 @@
 // Procedures and functions: the head of a routine, its parameter list and
 // the frame offsets of its parameters and result, then its own block.
 #include "language/productions.h"
+#include "machine/debug_info.h"
 #include "qelkern/machine.h"
 
 namespace {
@@ -50,6 +51,7 @@ bool CParser::RoutineDeclaration() {
         } else {
             block("proc. " + routine->name);
         }
+        if (debugInfo) debugInfo->Routine(*routine, *topScope, generator->Label());
         DoneBlock();
     }
     if (scanner->sym == symSemicolon)

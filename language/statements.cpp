@@ -5,6 +5,7 @@
 #include <new>
 
 #include "language/productions.h"
+#include "machine/debug_info.h"
 #include "qelkern/machine.h"
 
 namespace {
@@ -36,6 +37,7 @@ void CParser::statement() {
     WriteString("statement");
     NestingGuard depth(*this);
     PlanCodeStore();
+    if (debugInfo) debugInfo->Statement(*scanner, generator->Label());
     switch (scanner->sym) {
     case symIdent:
         IdentifierStatement();

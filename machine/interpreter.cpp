@@ -7,10 +7,14 @@
 
 #include "machine/cell_ops.h"
 #include "machine/machine_loops.h"
+#include "machine/decode.h"
+#include "machine/host_calls.h"
+#include "machine/debug_run.h"
 #include "machine/name_tables.h"
 #include "machine/stack_cells.h"
 #include "platform/memory_budget.h"
 #include "machine/text_pool.h"
+#include "machine/stepper.h"
 #include "qelkern/machine.h"
 #include "qelkern/userinterface.h"
 
@@ -89,6 +93,51 @@ void Run(CInterpreter& m, RunWatch& watch) {
 
 }  // namespace
 
+struct qelkern::MachineStepper::State {
+    CInterpreter& m;
+    RunWatch& watch;
+    int length;
+    std::vector<qelkern::Step> decoded;
+    Registers r{};
+};
+
+qelkern::MachineStepper::MachineStepper(CInterpreter& machine, RunWatch& watch)
+    : state(new State{machine, watch, UsedLength(machine), {}, {}}) {
+    state->decoded = Decode(machine.code, state->length);
+    Registers& r = state->r;
+    r.next = state->decoded.data() + machine.p;
+    r.top = machine.stack + machine.t;
+    r.b = machine.b;
+    r.travel = -Position(r.next);
+    SetFrame(r, machine.stack, machine.stackCapacity);
+}
+
+qelkern::MachineStepper::~MachineStepper() { state->watch.Finish(StepsTaken(state->r)); }
+
+// One turn of RunSteps' inner loop, with the registers written back.
+bool qelkern::MachineStepper::Step() {
+    CInterpreter& m = state->m;
+    RunWatch& watch = state->watch;
+    Registers& r = state->r;
+    const qelkern::Step* const steps = state->decoded.data();
+    try {
+        if (StepsTaken(r) >= watch.NextCheck() && Stopped(m, r, steps, watch.Check(StepsTaken(r)), watch))
+            return false;
+        if (!GeneralStep(m, r, steps, state->length, watch)) return false;
+        if (InReserve(m, r)) {
+            const int t = static_cast<int>(r.top - m.stack);
+            if (!Grow(m, AddressOf(steps, r.next), r.b, t, 0)) return false;
+            r.top = m.stack + t;
+            SetFrame(r, m.stack, m.stackCapacity);
+        }
+    } catch (...) {
+        WriteBack(m, r, steps);
+        throw;
+    }
+    WriteBack(m, r, steps);
+    return true;
+}
+
 namespace {
 
 // The largest capacity that growth in steps from the first capacity reaches
@@ -134,7 +183,10 @@ void CInterpreter::Interpret() {
     // the run at its RET, also when an interpreter is run a second time.
     for (int i = 0; i <= 3; ++i) stack[i] = VALUE();
     RunWatch watch(control);
-    Run(*this, watch);
+    if (DebugRun* debugged = DebugRunOf(*this))
+        debugged->Run(watch);
+    else
+        Run(*this, watch);
 }
 
 int CInterpreter::base(int l) { return FollowLinks(stack, stackCapacity, b, l); }
@@ -174,6 +226,7 @@ int CInterpreter::TesteStack(int n) {
 void CInterpreter::err(CString text) {
     CString shown;
     shown.Format("%s", static_cast<const char*>(text));
+    if (DebugRun* debugged = DebugRunOf(*this)) debugged->ReportError(shown);
     GetUserInterface().ShowMessage(shown, CString(), CUserInterface::IconError);
     errorText = text;
     failed = 1;

@@ -6,6 +6,7 @@
 #include "pipeline/name_index.h"
 #include "pipeline/nesting.h"
 #include "pipeline/own_stack.h"
+#include "machine/debug_info.h"
 #include "qelkern/userinterface.h"
 #include "pipeline/script_error.h"
 
@@ -86,6 +87,7 @@ void CParser::Parse() {
             scanner->GetSym();
             NewBlock();
             block("main");
+            if (debugInfo) debugInfo->MainBlock(*topScope, generator->Label());
             DoneBlock();
         } catch (const NestingTooDeep&) {
             topScope = outerScope;

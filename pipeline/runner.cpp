@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/memory_budget.h"
+#include "machine/debug_run.h"
 #include "qelkern/machine.h"
 #include "qelkern/parser.h"
 #include "qelkern/runcontrol.h"
@@ -47,12 +48,13 @@ int CountLines(const std::string& text) {
 // and never beyond `length`, whatever the caller claims. The error record
 // learns where the script starts.
 std::string JoinWithPrelude(const CString& dir, const char* text, int length,
-                            const CString& scriptPath) {
+                            const CString& scriptPath, int& preludeLines) {
     const CString preludePath = dir + "extern.qel";
     CString prelude;
     const bool hasPrelude = LeseTextAusDatei(preludePath, prelude) != 0;
     std::string joined = prelude.str();
-    qelkern::BeginScriptRecord(hasPrelude ? preludePath : CString(), CountLines(joined), scriptPath);
+    preludeLines = CountLines(joined);
+    qelkern::BeginScriptRecord(hasPrelude ? preludePath : CString(), preludeLines, scriptPath);
     if (text != nullptr && length > 0) joined.append(text, strnlen(text, static_cast<size_t>(length)));
     return joined;
 }
@@ -71,11 +73,13 @@ bool Compile(CParser& parser) {
 
 // The run-time error with the place of the statement that failed: the
 // machine's `p` stands behind the failing instruction.
-void RecordRuntimeError(const CGenerator& generator, const CInterpreter& machine) {
+void RecordRuntimeError(const CGenerator& generator, const CInterpreter& machine,
+                        bool stoppedByDebugger) {
     int line = -1;
     int position = -1;
     generator.SourceOf(machine.p - 1, line, position);
-    const StopCause cause = machine.control != nullptr ? machine.control->stopCause : StopCause::None;
+    StopCause cause = machine.control != nullptr ? machine.control->stopCause : StopCause::None;
+    if (stoppedByDebugger) cause = StopCause::Cancelled;
     const ScriptErrorKind kind =
         cause == StopCause::None ? ScriptErrorKind::Runtime : ScriptErrorKind::Stopped;
     qelkern::ReportDiagnostic(kind, line, position, machine.errorText, cause);
@@ -85,9 +89,11 @@ int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, b
                   const CString& scriptPath) {
     int result = 0;
     qelkern::ScriptMemoryScope memory(pRunControl);
-    std::string joined = JoinWithPrelude(dir, text, length, scriptPath);
+    int preludeLines = 0;
+    std::string joined = JoinWithPrelude(dir, text, length, scriptPath, preludeLines);
     if (joined.size() > static_cast<size_t>(INT_MAX)) return 0;
     ScriptRun objects(joined.data(), static_cast<int>(joined.size()), showErrors);
+    qelkern::ScriptDebugging debugging(*objects.parser, preludeLines);
 
     if (Compile(*objects.parser)) result = 1;
 
@@ -100,9 +106,11 @@ int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, b
     } else {
         objects.generator->DebugFlushToFile();
         if (run) {
+            debugging.Attach(*objects.interpreter);
             objects.interpreter->Interpret();
             result = objects.interpreter->failed ? 0 : 1;
-            if (!result) RecordRuntimeError(*objects.generator, *objects.interpreter);
+            if (!result)
+                RecordRuntimeError(*objects.generator, *objects.interpreter, debugging.StoppedByHost());
         }
     }
     return result;

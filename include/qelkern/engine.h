@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The engine alone: running scripts, values and host routines, the
-// environment, the user interface service, run limits and the error record.
+// environment, the user interface service, run limits, the error record and
+// the debugger.
 // A host that needs no window, rich edit or editor layer includes this;
 // qelkern.h includes it and everything else.
 #pragma once
@@ -17,3 +18,4 @@
 #include "qelkern/environment.h"
 #include "qelkern/runcontrol.h"
 #include "qelkern/diagnostics.h"
+#include "qelkern/debugger.h"

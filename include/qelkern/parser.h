@@ -12,6 +12,9 @@
 
 class CGenerator;
 class CScanner;
+namespace qelkern {
+class DebugInfo;
+}
 
 enum ObjectClass : int { Const = 0, Var = 1, Proc = 2, Func = 3, Head = 4 };
 
@@ -198,4 +201,7 @@ private:
     // (pipeline/name_index.h).
     struct NameIndex;
     std::unique_ptr<NameIndex> nameIndex;
+public:
+    // Where statements, routines and frames lie, for a debugger; null: not recorded.
+    qelkern::DebugInfo* debugInfo = nullptr;
 };
