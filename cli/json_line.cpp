@@ -40,6 +40,12 @@ JsonLine& JsonLine::Text(const char* key, const CString& latin1) {
     return *this;
 }
 
+JsonLine& JsonLine::Utf8Text(const char* key, const std::string& utf8) {
+    Key(key);
+    body += '"' + JsonEscape(utf8) + '"';
+    return *this;
+}
+
 JsonLine& JsonLine::Number(const char* key, int number) {
     Key(key);
     body += std::to_string(number);

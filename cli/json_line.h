@@ -8,6 +8,7 @@
 class JsonLine {
 public:
     JsonLine& Text(const char* key, const CString& latin1);  // written as UTF-8
+    JsonLine& Utf8Text(const char* key, const std::string& utf8);
     JsonLine& Number(const char* key, int number);
     JsonLine& Null(const char* key);
     // The object with its closing brace, without a line end.

@@ -2,6 +2,7 @@
 
 #include "json_line.h"
 
+
 namespace {
 
 const char* IconName(CUserInterface::Icon icon) {
@@ -10,6 +11,32 @@ const char* IconName(CUserInterface::Icon icon) {
     case CUserInterface::IconError: return "error";
     default: return "none";
     }
+}
+
+const char* EventOf(ScriptErrorKind kind) {
+    switch (kind) {
+    case ScriptErrorKind::Scanner: return "scanner-error";
+    case ScriptErrorKind::Warning: return "warning";
+    default: return "runtime-error";
+    }
+}
+
+const char* StageOf(ScriptErrorKind kind) {
+    switch (kind) {
+    case ScriptErrorKind::None: return nullptr;
+    case ScriptErrorKind::Scanner:
+    case ScriptErrorKind::Compile: return "compile";
+    default: return "run";
+    }
+}
+
+// The place fields behind those an event already has.
+void AppendPlace(JsonLine& event, const CScriptError& diagnostic, const std::string& file,
+                 const std::string& message) {
+    event.Utf8Text("file", file)
+        .Number("script_line", diagnostic.scriptLine)
+        .Number("script_column", diagnostic.scriptColumn)
+        .Utf8Text("message", message);
 }
 
 }  // namespace
@@ -38,13 +65,29 @@ void CJsonUserInterface::ShowMessage(const CString& text, const CString& caption
 
 void CJsonUserInterface::ShowTextDialog(const CString& title, const CString& text, int line,
                                         int column) {
-    WriteLine(JsonLine()
-                  .Text("event", "text-dialog")
-                  .Text("title", title)
-                  .Text("text", text)
-                  .Number("line", line)
-                  .Number("column", column)
-                  .Finish());
+    JsonLine event;
+    event.Text("event", "text-dialog")
+        .Text("title", title)
+        .Text("text", text)
+        .Number("line", line)
+        .Number("column", column);
+    if (pendingPlace) {
+        AppendPlace(event, pendingPlace->diagnostic, pendingPlace->file, pendingPlace->message);
+        pendingPlace.reset();
+    }
+    WriteLine(event.Finish());
+}
+
+void CJsonUserInterface::AddDiagnostic(const CScriptError& diagnostic, const std::string& file,
+                                       const std::string& message) {
+    if (diagnostic.kind == ScriptErrorKind::Compile) {
+        pendingPlace = Place{diagnostic, file, message};
+        return;
+    }
+    JsonLine event;
+    event.Text("event", EventOf(diagnostic.kind));
+    AppendPlace(event, diagnostic, file, message);
+    WriteLine(event.Finish());
 }
 
 bool CJsonUserInterface::EnterNumber(const CString& prompt, bool integerMode, int& value) {
@@ -76,10 +119,10 @@ bool CJsonUserInterface::PrintText(const CString&, const CString&, int, int, int
 
 void CJsonUserInterface::Beep() {}
 
-void CJsonUserInterface::WriteResult(int result, int success) {
-    WriteLine(JsonLine()
-                  .Text("event", "result")
-                  .Number("result", result)
-                  .Number("success", success)
-                  .Finish());
+void CJsonUserInterface::WriteResult(int result, int success, ScriptErrorKind failure) {
+    JsonLine event;
+    event.Text("event", "result").Number("result", result).Number("success", success);
+    const char* stage = StageOf(failure);
+    if (result != 1 && stage != nullptr) event.Text("stage", stage);
+    WriteLine(event.Finish());
 }

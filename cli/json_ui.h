@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdio>
+#include <optional>
 #include <string>
 
+#include "qelkern/diagnostics.h"
 #include "qelkern/userinterface.h"
 
 class CJsonUserInterface : public CUserInterface {
@@ -24,8 +26,15 @@ public:
                    int rightMargin, int bottomMargin) override;
     void Beep() override;
 
-    // The last line of a run: RunScript's result and the success code.
-    void WriteResult(int result, int success);
+    // A diagnostic of the engine, with its file and message as UTF-8: the
+    // compile error adds its place to the text-dialog event that follows;
+    // scanner errors, warnings and run-time errors are events of their own.
+    void AddDiagnostic(const CScriptError& diagnostic, const std::string& file,
+                       const std::string& message);
+
+    // The last line of a run: RunScript's result and the success code; for a
+    // failed run also the stage ("compile" or "run") of `failure`.
+    void WriteResult(int result, int success, ScriptErrorKind failure = ScriptErrorKind::None);
 
 private:
     void WriteLine(const std::string& json);
@@ -33,4 +42,11 @@ private:
 
     std::FILE* out;
     std::FILE* in;
+    // The compile error whose place the next text-dialog event carries.
+    struct Place {
+        CScriptError diagnostic;
+        std::string file;
+        std::string message;
+    };
+    std::optional<Place> pendingPlace;
 };

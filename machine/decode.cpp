@@ -99,10 +99,15 @@ std::vector<Step> Decode(const Instruction* code, int length) {
             case INT: step.op = Op::Enter; break;
             case CALL:
             case JMP:
-            case JPC:
-                step.op = ins.f == CALL ? Op::Call : ins.f == JMP ? Op::Jump : Op::JumpIfZero;
-                jumps.emplace_back(static_cast<size_t>(at), target(ins.a));
+            case JPC: {
+                const intptr_t to = target(ins.a);
+                const bool back = to <= at;
+                if (ins.f == CALL) step.op = Op::Call;
+                else if (ins.f == JMP) step.op = back ? Op::JumpBack : Op::Jump;
+                else step.op = back ? Op::JumpBackIfZero : Op::JumpIfZero;
+                jumps.emplace_back(static_cast<size_t>(at), to);
                 break;
+            }
             case LODI: step.op = Op::LoadIndexed; break;
             case STOI: step.op = Op::StoreIndexed; break;
             case SWAP: step.op = Op::Swap; break;

@@ -33,6 +33,8 @@ enum class Op : uint8_t {
     Enter,  // INT
     Jump,
     JumpIfZero,
+    JumpBack,        // to its own address or an earlier one: where the run control looks
+    JumpBackIfZero,
     LoadIndexed,
     StoreIndexed,
     Swap,

@@ -3,10 +3,15 @@
 #include <new>
 #include <utility>
 
+#include "platform/memory_budget.h"
 #include "qelkern/machine.h"
+#include "qelkern/runcontrol.h"
+#include "pipeline/script_error.h"
 
 // Name of the listing file; empty switches the listing off.
 CString DebugListingFile;
+// The listing shows the source place of each statement's code.
+bool DebugListingLines = false;
 
 namespace {
 
@@ -70,14 +75,17 @@ void CGenerator::fixup(CUIntArray* list, int target) {
     if (target > highestPatchedTarget) highestPatchedTarget = target;
 }
 
-// The store at least doubles, so that filling it costs a constant per
-// instruction.
+// The store grows geometrically, so that filling it costs a constant per
+// instruction: it doubles, and under a host's memory limit, which charges
+// the whole store, by an eighth, so that little more is charged than used.
 void CGenerator::TesteCode(int n) {
     const int64_t needed = static_cast<int64_t>(cx) + n;
-    if (needed <= interpreter->codeCapacity) return;
+    const int64_t capacity = interpreter->codeCapacity;
+    if (needed <= capacity) return;
     if (needed + codeSpare > INT32_MAX) throw std::bad_alloc();
-    ReserveCode(std::max<int64_t>(2 * static_cast<int64_t>(interpreter->codeCapacity),
-                                  needed + codeSpare));
+    const CRunControl* control = interpreter->control;
+    const bool limited = control != nullptr && control->maxMemoryBytes > 0;
+    ReserveCode(std::max(limited ? capacity + capacity / 8 : 2 * capacity, needed + codeSpare));
 }
 
 // Beyond what an int counts, the store stays as it is; TesteCode tells when
@@ -86,6 +94,7 @@ void CGenerator::ReserveCode(int64_t capacity) {
     CInterpreter& machine = *interpreter;
     capacity = std::min<int64_t>(capacity, INT32_MAX);
     if (capacity <= machine.codeCapacity) return;
+    qelkern::ChargeMemory(static_cast<size_t>(capacity - machine.codeCapacity) * sizeof(Instruction));
     Instruction* grown = new Instruction[static_cast<size_t>(capacity)];
     for (int i = 0; i < cx; ++i) MoveInstruction(grown[i], machine.code[i]);
     delete[] machine.code;
@@ -95,12 +104,40 @@ void CGenerator::ReserveCode(int64_t capacity) {
 
 void CGenerator::err(CString) { failed = 1; }
 
+// A mark at an address that a dropped jump has given back, or that an empty
+// statement left without code, gives way to the newer one.
+void CGenerator::MarkSource(int line, int position) {
+    while (!sourceMarks.empty() && sourceMarks.back().address >= cx) sourceMarks.pop_back();
+    sourceMarks.push_back({cx, line, position});
+}
+
+bool CGenerator::SourceOf(int address, int& line, int& position) const {
+    auto after = std::upper_bound(sourceMarks.begin(), sourceMarks.end(), address,
+                                  [](int at, const SourceMark& mark) { return at < mark.address; });
+    if (address < 0 || address >= cx || after == sourceMarks.begin()) return false;
+    --after;
+    line = after->line;
+    position = after->position;
+    return true;
+}
+
+void CGenerator::WritePlaceLines(int address, size_t& nextMark) {
+    for (; nextMark < sourceMarks.size() && sourceMarks[nextMark].address <= address; ++nextMark) {
+        const SourceMark& mark = sourceMarks[nextMark];
+        const CString place = qelkern::DescribePlace(mark.line, mark.position);
+        if (!place.IsEmpty()) listFile.WriteString("; " + place + "\n");
+    }
+}
+
 void CGenerator::DebugFlushToFile() {
     if (DebugListingFile.IsEmpty()) return;
     if (!listFile.Open(DebugListingFile, CStdioFile::modeCreate | CStdioFile::modeWrite |
                                              CStdioFile::typeText))
         return;
-    for (int address = 0; address < cx; ++address)
+    size_t nextMark = 0;
+    for (int address = 0; address < cx; ++address) {
+        if (DebugListingLines) WritePlaceLines(address, nextMark);
         listFile.WriteString(interpreter->code[address].GetText(address));
+    }
     listFile.Close();
 }

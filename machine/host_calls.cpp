@@ -1,5 +1,7 @@
 #include "machine/host_calls.h"
 
+#include <new>
+
 #include "machine/conversions.h"
 #include "qelkern/dialogs.h"
 #include "qelkern/parser.h"
@@ -21,7 +23,8 @@ void ReportFailedRoutine(CInterpreter& machine, const Instruction& ins) {
 }  // namespace
 
 // A host's exception must not unwind through the machine into the host's
-// call of the script: it ends the run like any other run-time error.
+// call of the script: it ends the run like any other run-time error. Only
+// memory running out passes on, to end the run as such.
 bool CallExternalRoutine(CInterpreter& machine, const Instruction& ins) {
     PredefinedRoutine routine = reinterpret_cast<PredefinedRoutine>(ins.a);
     if (!routine) {
@@ -33,6 +36,8 @@ bool CallExternalRoutine(CInterpreter& machine, const Instruction& ins) {
         return true;
     } catch (CException* exception) {
         if (exception) exception->Delete();
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
     }
     ReportFailedRoutine(machine, ins);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <vector>
@@ -6,6 +7,9 @@
 #include "machine/decode.h"
 #include "machine/host_calls.h"
 #include "machine/name_tables.h"
+#include "machine/run_watch.h"
+#include "machine/stack_cells.h"
+#include "platform/memory_budget.h"
 #include "qelkern/machine.h"
 #include "qelkern/userinterface.h"
 
@@ -130,7 +134,30 @@ struct Registers {
     // the first cell and 0, and every offset is left to GeneralStep.
     VALUE* frame;
     uintptr_t above;
+    // The steps taken are (travel + next) / sizeof(Step): every transfer of
+    // control adds the distance it leaves behind, so counting costs an add per
+    // jump taken and nothing per step, and a fused step counts what it covers.
+    intptr_t travel;
 };
+
+inline intptr_t Position(const Step* step) { return reinterpret_cast<intptr_t>(step); }
+
+// Moves r.next, which stands on the step that transfers, to `to`.
+inline void Transfer(Registers& r, const Step* to) {
+    r.travel += Position(r.next) + static_cast<intptr_t>(sizeof(Step)) - Position(to);
+    r.next = to;
+}
+
+inline int64_t StepsTaken(const Registers& r) {
+    return (r.travel + Position(r.next)) / static_cast<intptr_t>(sizeof(Step));
+}
+
+// The value of travel + next at which the loop must stop for the run watch.
+inline intptr_t CheckPosition(int64_t nextCheck) {
+    constexpr int64_t most = INTPTR_MAX / static_cast<int64_t>(sizeof(Step));
+    return nextCheck >= most ? INTPTR_MAX
+                             : static_cast<intptr_t>(nextCheck) * static_cast<intptr_t>(sizeof(Step));
+}
 
 inline void SetFrame(Registers& r, VALUE* s, int capacity) {
     if (r.b >= 0 && r.b < capacity) {
@@ -176,11 +203,16 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
 // unchecked. The machine tests the stack before every instruction; only a
 // step that moves the top can break the rule, so the test follows those
 // steps, which is the same moment.
+//
+// Backward jumps and calls, the only way a run can go on for long, stop at
+// `checkAt` (see CheckPosition) before they are carried out.
 [[gnu::noinline]] void RunFast(Registers& registers, const Step* steps, int length, VALUE* s,
-                               int capacity) {
+                               int capacity, intptr_t checkAt) {
     Registers r = registers;
     VALUE* const limit = s + (capacity - stackReserve);
 #define QEL_LEAVE() goto leave
+#define QEL_CHECKPOINT() \
+    if (r.travel + Position(r.next) >= checkAt) QEL_LEAVE()
     // Behind a push into the reserve: the stack must grow before the next step.
 #define QEL_PUSHED()       \
     if (r.top > limit) {   \
@@ -244,6 +276,7 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
                 break;
             }
             case Op::Call: {
+                QEL_CHECKPOINT();
                 const int link = FollowLinks(s, capacity, r.b, step.l);
                 VALUE* const cells = r.top + 1;
                 if (link < 0 || cells[0].type == tagString || cells[1].type == tagString ||
@@ -255,7 +288,7 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
                 r.b = static_cast<int>(cells - s);
                 r.frame = cells;
                 r.above = static_cast<uintptr_t>(capacity - r.b);
-                r.next = step.to;
+                Transfer(r, step.to);
                 continue;
             }
             case Op::Enter:
@@ -263,12 +296,14 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
                 if (step.a > limit - r.top || step.a < s - r.top) QEL_LEAVE();
                 r.top += step.a;
                 break;
-            case Op::Jump: r.next = step.to; continue;
+            case Op::JumpBack: QEL_CHECKPOINT(); [[fallthrough]];
+            case Op::Jump: Transfer(r, step.to); continue;
+            case Op::JumpBackIfZero: QEL_CHECKPOINT(); [[fallthrough]];
             case Op::JumpIfZero:
                 if (r.top == s || !IsNumber(*r.top)) QEL_LEAVE();
                 if (NumberIsZero(*r.top)) {
                     --r.top;
-                    r.next = step.to;
+                    Transfer(r, step.to);
                     continue;
                 }
                 --r.top;
@@ -294,7 +329,7 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
                 r.top = top;
                 r.b = top[2].intValue;
                 SetFrame(r, s, capacity);
-                r.next = steps + back;
+                Transfer(r, steps + back);
                 if (r.top > limit) goto leave;
                 continue;
             }
@@ -342,6 +377,7 @@ inline VALUE* IntegerElement(VALUE* s, int capacity, int b, const Step& step,
 leave:
     registers = r;
 #undef QEL_LEAVE
+#undef QEL_CHECKPOINT
 #undef QEL_PUSHED
 #undef QEL_UNARY
 #undef QEL_BINARY
@@ -352,9 +388,24 @@ inline int AddressOf(const Step* steps, const Step* at) {
     return at->op == Op::OutOfCode ? static_cast<int>(at->a) : static_cast<int>(at - steps);
 }
 
+// Ends the run for the host's run control, if `cause` says so.
+bool Stopped(CInterpreter& m, const Registers& r, const Step* steps, StopCause cause,
+             RunWatch& watch) {
+    if (cause == StopCause::None) return false;
+    watch.Stop(cause);
+    Fail(m, AddressOf(steps, r.next), r.b, static_cast<int>(r.top - m.stack), StopMessage(cause));
+    return true;
+}
+
+// A transfer in GeneralStep, where r.next already stands behind the step.
+inline void GoTo(Registers& r, const Step* to) {
+    r.travel += Position(r.next) - Position(to);
+    r.next = to;
+}
+
 // Runs the step at r.next whatever it holds, with every report and call of
 // the machine. false: the run is over.
-bool GeneralStep(CInterpreter& m, Registers& r, const Step* steps, int length) {
+bool GeneralStep(CInterpreter& m, Registers& r, const Step* steps, int length, RunWatch& watch) {
     VALUE* const s = m.stack;
     const int capacity = m.stackCapacity;
     const Step& step = *r.next++;
@@ -412,7 +463,7 @@ bool GeneralStep(CInterpreter& m, Registers& r, const Step* steps, int length) {
             SetInt(top[3], static_cast<int>(r.next - steps));
             r.b = QEL_T() + 1;
             SetFrame(r, s, capacity);
-            r.next = step.to;
+            GoTo(r, step.to);
             return true;
         }
         case Op::Enter: {
@@ -428,9 +479,11 @@ bool GeneralStep(CInterpreter& m, Registers& r, const Step* steps, int length) {
             top = m.stack + newTop;
             return true;
         }
-        case Op::Jump: r.next = step.to; return true;
+        case Op::Jump:
+        case Op::JumpBack: GoTo(r, step.to); return true;
         case Op::JumpIfZero:
-            if (IsZero(*top)) r.next = step.to;
+        case Op::JumpBackIfZero:
+            if (IsZero(*top)) GoTo(r, step.to);
             if (top == s) {
                 if (AddressOf(steps, r.next) > 0) QEL_FAIL_EMPTIED();
                 // An address of 0 or below ends the run before the stack is
@@ -463,7 +516,8 @@ bool GeneralStep(CInterpreter& m, Registers& r, const Step* steps, int length) {
         }
         case Op::External:
             QEL_SYNC();
-            return CallExternalRoutine(m, *step.ins);
+            if (!CallExternalRoutine(m, *step.ins)) return false;
+            return !Stopped(m, r, steps, watch.CheckCancel(), watch);
         case Op::Return: {
             if (r.b < 1) QEL_FAIL(underflowMessage);
             if (static_cast<int64_t>(r.b) + 2 >= capacity)
@@ -476,7 +530,7 @@ bool GeneralStep(CInterpreter& m, Registers& r, const Step* steps, int length) {
                 LeaveCode(m, back, r.b, QEL_T());
                 return false;
             }
-            r.next = steps + back;
+            GoTo(r, steps + back);
             return true;
         }
         case Op::Plus: QEL_BINARY(Add);
@@ -522,7 +576,10 @@ bool GeneralStep(CInterpreter& m, Registers& r, const Step* steps, int length) {
             --top;
             return true;
         case Op::Nothing: return true;
-        case Op::OutOfCode: LeaveCode(m, static_cast<int>(step.a), r.b, QEL_T()); return false;
+        case Op::OutOfCode:
+            r.next = &step;  // not an instruction: not a step taken
+            LeaveCode(m, static_cast<int>(step.a), r.b, QEL_T());
+            return false;
     }
     return true;
 #undef QEL_T
@@ -541,21 +598,22 @@ inline bool InReserve(const CInterpreter& m, const Registers& r) {
     return r.top > m.stack + (m.stackCapacity - stackReserve);
 }
 
-void Run(CInterpreter& m) {
-    const int length = UsedLength(m);
-    const std::vector<Step> decoded = Decode(m.code, length);
-    const Step* const steps = decoded.data();
-    Registers r{};
-    r.next = steps;
-    r.top = m.stack;
-    r.b = 1;
-    SetFrame(r, m.stack, m.stackCapacity);
+void WriteBack(CInterpreter& m, const Registers& r, const Step* steps) {
+    m.p = AddressOf(steps, r.next);
+    m.b = r.b;
+    m.t = static_cast<int>(r.top - m.stack);
+}
+
+void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunWatch& watch) {
     for (;;) {
-        RunFast(r, steps, length, m.stack, m.stackCapacity);
+        RunFast(r, steps, length, m.stack, m.stackCapacity, CheckPosition(watch.NextCheck()));
         // Texts come in runs: while the top cell or the next literal is one,
         // the steps stay here rather than go back and forth.
         do {
-            if (!InReserve(m, r) && !GeneralStep(m, r, steps, length)) return;
+            if (StepsTaken(r) >= watch.NextCheck() &&
+                Stopped(m, r, steps, watch.Check(StepsTaken(r)), watch))
+                return;
+            if (!InReserve(m, r) && !GeneralStep(m, r, steps, length, watch)) return;
             if (InReserve(m, r)) {
                 const int t = static_cast<int>(r.top - m.stack);
                 if (!Grow(m, AddressOf(steps, r.next), r.b, t, 0)) return;
@@ -566,16 +624,65 @@ void Run(CInterpreter& m) {
     }
 }
 
+// An exception (memory ran out in a text operation, or a callback let one
+// through) leaves the registers where the step stood, the cells as they were.
+void Run(CInterpreter& m, RunWatch& watch) {
+    const int length = UsedLength(m);
+    const std::vector<Step> decoded = Decode(m.code, length);
+    const Step* const steps = decoded.data();
+    Registers r{};
+    r.next = steps;
+    r.top = m.stack;
+    r.b = 1;
+    r.travel = -Position(steps);
+    SetFrame(r, m.stack, m.stackCapacity);
+    try {
+        RunSteps(m, r, steps, length, watch);
+    } catch (...) {
+        WriteBack(m, r, steps);
+        watch.Finish(StepsTaken(r));
+        throw;
+    }
+    watch.Finish(StepsTaken(r));
+}
+
+}  // namespace
+
+namespace {
+
+// The largest capacity that growth in steps from the first capacity reaches
+// without passing the limit: the stack's real size limit.
+int64_t LargestCapacity(int64_t limit) {
+    if (limit < initialCapacity) return initialCapacity;
+    return initialCapacity + (limit - initialCapacity) / stackGrowthStep * stackGrowthStep;
+}
+
+StackCells* ReserveStack(int64_t cellCount) {
+    auto* reserved = new StackCells(static_cast<size_t>(cellCount));
+    if (!reserved->Cells() || !reserved->GrowTo(initialCapacity)) {
+        delete reserved;
+        throw std::bad_alloc();
+    }
+    return reserved;
+}
+
 }  // namespace
 
 CInterpreter::CInterpreter()
-    : code(new Instruction[initialCapacity]), stack(new VALUE[initialCapacity]) {
+    : code(new Instruction[initialCapacity]), control(pRunControl), cells(nullptr) {
+    try {
+        cells = ReserveStack(LargestCapacity(stackLimit));
+    } catch (const std::bad_alloc&) {
+        delete[] code;
+        throw;
+    }
+    stack = cells->Cells();
     FillNameTables();
 }
 
 CInterpreter::~CInterpreter() {
     delete[] code;
-    delete[] stack;
+    delete cells;
 }
 
 void CInterpreter::Interpret() {
@@ -585,30 +692,40 @@ void CInterpreter::Interpret() {
     // Cell 3 too: it holds the main block's return address, 0, which ends
     // the run at its RET, also when an interpreter is run a second time.
     for (int i = 0; i <= 3; ++i) stack[i] = VALUE();
-    Run(*this);
+    RunWatch watch(control);
+    Run(*this, watch);
 }
 
 int CInterpreter::base(int l) { return FollowLinks(stack, stackCapacity, b, l); }
 
-// All cells of the old array move over, also those above t: CALL has just
-// written the links of the new frame there.
+// The capacity grows in fixed steps, as the limit is defined by them, but the
+// cells do not move: the new ones are made behind the old in the reserved
+// space. Only a limit raised past the reservation moves all cells once, also
+// those above t: CALL has just written the links of the new frame there.
 int CInterpreter::TesteStack(int n) {
-    int64_t needed = static_cast<int64_t>(t) + n + stackReserve;
+    const int64_t needed = static_cast<int64_t>(t) + n + stackReserve;
     if (needed <= stackCapacity) return 1;
-    int64_t grown = stackCapacity;
-    while (grown < needed) grown += stackGrowthStep;
+    const int64_t steps = (needed - stackCapacity + stackGrowthStep - 1) / stackGrowthStep;
+    const int64_t grown = stackCapacity + steps * stackGrowthStep;
     if (grown > stackLimit) {
         err("Stacküberlauf.");
         return 0;
     }
-    VALUE* cells = new (std::nothrow) VALUE[static_cast<size_t>(grown)];
-    if (!cells) {
-        err("Stacküberlauf.");
-        return 0;
+    qelkern::ChargeMemory(static_cast<size_t>(grown - stackCapacity) * sizeof(VALUE));
+    if (!cells->GrowTo(static_cast<size_t>(grown))) {
+        StackCells* moved = nullptr;
+        try {
+            moved = ReserveStack(std::max(grown, LargestCapacity(stackLimit)));
+        } catch (const std::bad_alloc&) {
+            err("Stacküberlauf.");
+            return 0;
+        }
+        moved->GrowTo(static_cast<size_t>(grown));
+        for (int i = 0; i < stackCapacity; ++i) moved->Cells()[i].MoveFrom(stack[i]);
+        delete cells;
+        cells = moved;
+        stack = cells->Cells();
     }
-    for (int i = 0; i < stackCapacity; ++i) cells[i].MoveFrom(stack[i]);
-    delete[] stack;
-    stack = cells;
     stackCapacity = static_cast<int>(grown);
     return 1;
 }
@@ -617,5 +734,6 @@ void CInterpreter::err(CString text) {
     CString shown;
     shown.Format("%s", static_cast<const char*>(text));
     GetUserInterface().ShowMessage(shown, CString(), CUserInterface::IconError);
+    errorText = text;
     failed = 1;
 }

@@ -2,6 +2,8 @@
 
 #include <cmath>
 #include <cstring>
+#include <iterator>
+#include <string_view>
 
 #include "machine/conversions.h"
 #include "qelkern/numbers.h"
@@ -19,12 +21,11 @@ constexpr int tagString = 57;
 
 constexpr double equalityTolerance = 0.00001;
 
+const CString emptyText;
+
 // A host may tag a cell as string before it sets the pointer; such a cell
 // reads as an empty text instead of following a null pointer.
-const CString& TextOf(const VALUE& v) {
-    static const CString empty;
-    return v.stringValue ? *v.stringValue : empty;
-}
+inline const CString& TextOf(const VALUE& v) { return v.stringValue ? *v.stringValue : emptyText; }
 
 double NumberOfText(const VALUE& v) {
     char* end = nullptr;
@@ -52,6 +53,37 @@ VALUE MakeZeroOfTag(int tag) {
 
 VALUE MakeTruth(bool truth) { return MakeInt(truth ? 1 : 0); }
 
+// Makes `cell` a string owning `text`, whatever it held before.
+void AdoptString(VALUE& cell, CString* text) {
+    if (cell.type == tagString) delete cell.stringValue;
+    cell.type = tagString;
+    cell.stringValue = text;
+}
+
+// "%d" without the cost of printf: the digits end at `end`.
+std::string_view IntegerText(int number, char* end) {
+    char* first = end;
+    unsigned magnitude = number < 0 ? 0u - static_cast<unsigned>(number) : static_cast<unsigned>(number);
+    do *--first = static_cast<char>('0' + magnitude % 10);
+    while (magnitude /= 10);
+    if (number < 0) *--first = '-';
+    return std::string_view(first, static_cast<size_t>(end - first));
+}
+
+// The text of a cell as operator CString has it, as a view: a string's own
+// characters, an integer's digits in `digits`, other numbers in `room`.
+struct TextRoom {
+    char digits[16];
+    CString text;
+};
+
+std::string_view TextView(const VALUE& v, TextRoom& room) {
+    if (v.type == tagString) return TextOf(v).view();
+    if (v.type == tagInteger) return IntegerText(v.intValue, std::end(room.digits));
+    room.text = static_cast<CString>(v);
+    return room.text.view();
+}
+
 // Result tag of -, * and /: double if the left is double, else the right's tag.
 int ArithmeticTag(const VALUE& left, const VALUE& right) {
     return left.type == tagDouble ? tagDouble : right.type;
@@ -70,16 +102,19 @@ void VALUE::Release() {
     }
 }
 
-VALUE& VALUE::operator=(const VALUE& other) {
-    if (this == &other) return *this;
-    // The new text is made before the old one goes, so a failed allocation
-    // leaves this cell as it was.
-    CString* text = other.type == tagString ? new CString(TextOf(other)) : nullptr;
-    Release();
+VALUE& VALUE::AssignOther(const VALUE& other) {
+    if (other.type == tagString) {
+        // A cell that holds a string keeps its string object and shares the
+        // new text; a new object is made before the old payload goes, so a
+        // failed allocation leaves this cell as it was.
+        if (type == tagString && stringValue) *stringValue = TextOf(other);
+        else AdoptString(*this, new CString(TextOf(other)));
+        return *this;
+    }
+    if (type == tagString) Release();
     type = other.type;
     switch (other.type) {
         case tagDouble: doubleValue = other.doubleValue; break;
-        case tagString: stringValue = text; break;
         case tagNone: doubleValue = 0.0; break;
         default: intValue = other.intValue; break;
     }
@@ -101,10 +136,8 @@ VALUE& VALUE::operator=(const double& number) {
 }
 
 void VALUE::SetString(const CString& text) {
-    CString* copy = new CString(text);
-    Release();
-    type = tagString;
-    stringValue = copy;
+    if (type == tagString && stringValue) *stringValue = text;
+    else AdoptString(*this, new CString(text));
 }
 
 void VALUE::MoveFrom(VALUE& other) {
@@ -137,7 +170,11 @@ VALUE::operator double() const {
 VALUE::operator CString() const {
     CString text;
     switch (type) {
-        case tagInteger: text.Format("%d", intValue); break;
+        case tagInteger: {
+            char digits[16];
+            text = CString(IntegerText(intValue, std::end(digits)));
+            break;
+        }
         case tagDouble: text = qelkern::FormatFixed(doubleValue); break;
         case tagString: text = TextOf(*this); break;
         default: break;
@@ -168,10 +205,12 @@ VALUE& VALUE::operator--() {
     return *this;
 }
 
-VALUE VALUE::operator+(VALUE right) const {
+VALUE VALUE::operator+(const VALUE& right) const {
     if (type == tagString || right.type == tagString) {
         VALUE result;
-        result.SetString(static_cast<CString>(*this) + static_cast<CString>(right));
+        TextRoom room;
+        AdoptString(result, new CString(type == tagString ? TextOf(*this) : static_cast<CString>(*this)));
+        result.stringValue->Append(TextView(right, room));
         return result;
     }
     if (type == tagDouble || right.type == tagDouble)
@@ -179,10 +218,19 @@ VALUE VALUE::operator+(VALUE right) const {
     return MakeInt(qelkern::WrapAdd(static_cast<int>(*this), static_cast<int>(right)));
 }
 
+VALUE& VALUE::operator+=(const VALUE& right) {
+    if (type == tagString && stringValue) {
+        TextRoom room;
+        stringValue->Append(TextView(right, room));
+        return *this;
+    }
+    return *this = *this + right;
+}
+
 // For -, * and / a string result tag (a string on the right of a non-double)
 // has no meaning; such a pair is computed as doubles on the numbers of the
 // texts, since a text may hold a fraction.
-VALUE VALUE::operator-(VALUE right) const {
+VALUE VALUE::operator-(const VALUE& right) const {
     int tag = ArithmeticTag(*this, right);
     if (tag == tagInteger)
         return MakeInt(qelkern::WrapSub(static_cast<int>(*this), static_cast<int>(right)));
@@ -191,7 +239,7 @@ VALUE VALUE::operator-(VALUE right) const {
     return MakeZeroOfTag(tag);
 }
 
-VALUE VALUE::operator*(VALUE right) const {
+VALUE VALUE::operator*(const VALUE& right) const {
     int tag = ArithmeticTag(*this, right);
     if (tag == tagInteger)
         return MakeInt(qelkern::WrapMul(static_cast<int>(*this), static_cast<int>(right)));
@@ -200,7 +248,7 @@ VALUE VALUE::operator*(VALUE right) const {
     return MakeZeroOfTag(tag);
 }
 
-VALUE VALUE::operator/(VALUE right) const {
+VALUE VALUE::operator/(const VALUE& right) const {
     int tag = ArithmeticTag(*this, right);
     if (tag == tagInteger)
         return MakeInt(qelkern::SafeDiv(static_cast<int>(*this), static_cast<int>(right)));
@@ -210,7 +258,7 @@ VALUE VALUE::operator/(VALUE right) const {
 }
 
 // A string on the left takes the double rule on the number of its text.
-VALUE VALUE::operator%(VALUE right) const {
+VALUE VALUE::operator%(const VALUE& right) const {
     if (type == tagInteger) return MakeInt(qelkern::SafeRem(intValue, static_cast<int>(right)));
     if (type == tagDouble || type == tagString) {
         double left = *this;
@@ -240,7 +288,8 @@ int Order(const VALUE& left, const VALUE& right) {
             return sign(left.doubleValue, r);
         }
         case tagString: {
-            int c = TextOf(left).str().compare(static_cast<CString>(right).str());
+            TextRoom room;
+            int c = TextOf(left).view().compare(TextView(right, room));
             return c < 0 ? -1 : (c > 0 ? 1 : 0);
         }
         default: return unordered;
@@ -249,34 +298,37 @@ int Order(const VALUE& left, const VALUE& right) {
 
 }  // namespace
 
-VALUE VALUE::operator<(VALUE right) const { return MakeTruth(Order(*this, right) == -1); }
+VALUE VALUE::operator<(const VALUE& right) const { return MakeTruth(Order(*this, right) == -1); }
 
-VALUE VALUE::operator<=(VALUE right) const {
+VALUE VALUE::operator<=(const VALUE& right) const {
     int order = Order(*this, right);
     return MakeTruth(order == -1 || order == 0);
 }
 
-VALUE VALUE::operator>(VALUE right) const { return MakeTruth(Order(*this, right) == 1); }
+VALUE VALUE::operator>(const VALUE& right) const { return MakeTruth(Order(*this, right) == 1); }
 
-VALUE VALUE::operator>=(VALUE right) const {
+VALUE VALUE::operator>=(const VALUE& right) const {
     int order = Order(*this, right);
     return MakeTruth(order == 1 || order == 0);
 }
 
-VALUE VALUE::operator==(VALUE right) const {
+VALUE VALUE::operator==(const VALUE& right) const {
     switch (type) {
         case tagInteger:
         case tagDouble:
             return MakeTruth(std::fabs(static_cast<double>(*this) - static_cast<double>(right)) <=
                              equalityTolerance);
-        case tagString: return MakeTruth(TextOf(*this) == static_cast<CString>(right));
+        case tagString: {
+            TextRoom room;
+            return MakeTruth(TextOf(*this).view() == TextView(right, room));
+        }
         default: return MakeTruth(false);
     }
 }
 
 VALUE VALUE::operator==(int right) const { return *this == MakeInt(right); }
 
-VALUE VALUE::operator!=(VALUE right) const {
+VALUE VALUE::operator!=(const VALUE& right) const {
     return MakeTruth((*this == right).intValue == 0);
 }
 

@@ -1,10 +1,13 @@
 // The parser's frame: construction, the top of the parse, error reporting.
 #include "qelkern/parser.h"
 
+#include <cstring>
+
 #include "pipeline/name_index.h"
 #include "pipeline/nesting.h"
 #include "pipeline/own_stack.h"
 #include "qelkern/userinterface.h"
+#include "pipeline/script_error.h"
 
 namespace {
 
@@ -36,6 +39,12 @@ const char* const numberedErrors[] = {
 };
 
 const char* const errorTitle = "Fehler Parser";
+
+// With showErrors false the compile goes on after an error, and its echoes
+// would call err again.
+void ReportFirstError(int ok, const CScanner& scanner, const CString& text) {
+    if (ok) qelkern::ReportDiagnostic(ScriptErrorKind::Compile, scanner.symLine, scanner.symPosition, text);
+}
 
 }  // namespace
 
@@ -91,22 +100,29 @@ void CParser::Parse() {
 
 void CParser::EndParser() {}
 
-void CParser::WriteString(const char*) {}
+// Statements are the unit of the generator's table of source places.
+void CParser::WriteString(const char* production) {
+    if (std::strcmp(production, "statement") == 0)
+        generator->MarkSource(scanner->symLine, scanner->symPosition);
+}
 
 void CParser::test(Symbol, int) {}
 
 void CParser::err(unsigned short n) {
-    ok = 0;
     CString text = n < errorTexts.GetSize() ? errorTexts[n] : CString("<unbekannter Fehler>");
+    ReportFirstError(ok, *scanner, text);
+    ok = 0;
     ZeigeFehlerText(errorTitle, text, scanner, showErrors);
 }
 
 void CParser::err(CString text) {
+    ReportFirstError(ok, *scanner, text);
     ok = 0;
     ZeigeFehlerText(errorTitle, text, scanner, showErrors);
 }
 
 void CParser::warning(CString text) {
+    qelkern::ReportDiagnostic(ScriptErrorKind::Warning, scanner->symLine, scanner->symPosition, text);
     if (!showErrors) return;
     CString message;
     message.Format("Warnung Parser: Zeile: %d Position: %d: %s\n", scanner->line,

@@ -1,14 +1,18 @@
 // The library's entry for compiling and running a script.
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <string>
 
+#include "platform/memory_budget.h"
 #include "qelkern/machine.h"
 #include "qelkern/parser.h"
+#include "qelkern/runcontrol.h"
 #include "qelkern/scanner.h"
 #include "qelkern/userinterface.h"
+#include "pipeline/script_error.h"
 
 namespace {
 
@@ -35,12 +39,20 @@ struct ScriptRun {
     std::unique_ptr<CParser> parser;
 };
 
+int CountLines(const std::string& text) {
+    return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
+}
+
 // The prelude in front of the script. The script is taken up to its first NUL
-// and never beyond `length`, whatever the caller claims.
-std::string JoinWithPrelude(const CString& dir, const char* text, int length) {
+// and never beyond `length`, whatever the caller claims. The error record
+// learns where the script starts.
+std::string JoinWithPrelude(const CString& dir, const char* text, int length,
+                            const CString& scriptPath) {
+    const CString preludePath = dir + "extern.qel";
     CString prelude;
-    LeseTextAusDatei(dir + "extern.qel", prelude);
+    const bool hasPrelude = LeseTextAusDatei(preludePath, prelude) != 0;
     std::string joined = prelude.str();
+    qelkern::BeginScriptRecord(hasPrelude ? preludePath : CString(), CountLines(joined), scriptPath);
     if (text != nullptr && length > 0) joined.append(text, strnlen(text, static_cast<size_t>(length)));
     return joined;
 }
@@ -57,9 +69,23 @@ bool Compile(CParser& parser) {
     return false;
 }
 
-int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, bool run) {
+// The run-time error with the place of the statement that failed: the
+// machine's `p` stands behind the failing instruction.
+void RecordRuntimeError(const CGenerator& generator, const CInterpreter& machine) {
+    int line = -1;
+    int position = -1;
+    generator.SourceOf(machine.p - 1, line, position);
+    const StopCause cause = machine.control != nullptr ? machine.control->stopCause : StopCause::None;
+    const ScriptErrorKind kind =
+        cause == StopCause::None ? ScriptErrorKind::Runtime : ScriptErrorKind::Stopped;
+    qelkern::ReportDiagnostic(kind, line, position, machine.errorText, cause);
+}
+
+int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, bool run,
+                  const CString& scriptPath) {
     int result = 0;
-    std::string joined = JoinWithPrelude(dir, text, length);
+    qelkern::ScriptMemoryScope memory(pRunControl);
+    std::string joined = JoinWithPrelude(dir, text, length, scriptPath);
     if (joined.size() > static_cast<size_t>(INT_MAX)) return 0;
     ScriptRun objects(joined.data(), static_cast<int>(joined.size()), showErrors);
 
@@ -76,29 +102,39 @@ int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, b
         if (run) {
             objects.interpreter->Interpret();
             result = objects.interpreter->failed ? 0 : 1;
+            if (!result) RecordRuntimeError(*objects.generator, *objects.interpreter);
         }
     }
     return result;
 }
 
-// Shown once the run's objects are gone, so that the box has memory again.
-void ReportOutOfMemory() {
+// Memory is back once the failed allocation has unwound; if not, the record
+// stays as it was rather than let a second failure escape.
+void RecordOutOfMemory() noexcept {
     try {
+        const StopCause cause = pRunControl ? pRunControl->stopCause : StopCause::None;
+        qelkern::ReportDiagnostic(ScriptErrorKind::OutOfMemory, -1, -1,
+                                  "Nicht genügend Speicher für das Skript.", cause);
         GetUserInterface().ShowMessage("Nicht genügend Speicher für das Skript.", "",
                                        CUserInterface::IconError);
+    } catch (...) {
+    }
+}
+
+int GuardedRun(const CString& dir, char* text, int length, bool showErrors, bool run,
+               const CString& scriptPath) {
+    try {
+        return CompileAndRun(dir, text, length, showErrors, run, scriptPath);
     } catch (const std::bad_alloc&) {
+        RecordOutOfMemory();
+        return 0;  // a text too large for memory fails like any other run
     }
 }
 
 }  // namespace
 
 int RunScript(CString dir, char* text, int length, bool showErrors, bool run) {
-    try {
-        return CompileAndRun(dir, text, length, showErrors, run);
-    } catch (const std::bad_alloc&) {
-        ReportOutOfMemory();
-        return 0;
-    }
+    return GuardedRun(dir, text, length, showErrors, run, CString());
 }
 
 int RunScript(CString dir, char* text, int length, bool showErrors) {
@@ -106,15 +142,10 @@ int RunScript(CString dir, char* text, int length, bool showErrors) {
 }
 
 int RunScript(CString dir, CString file, bool showErrors) {
-    try {
-        CString text;
-        LeseTextAusDatei(file, text);  // a missing file is an empty script
-        std::string bytes = text.str();
-        return RunScript(dir, bytes.data(), static_cast<int>(bytes.size()), showErrors, true);
-    } catch (const std::bad_alloc&) {
-        ReportOutOfMemory();
-        return 0;
-    }
+    CString text;
+    LeseTextAusDatei(file, text);  // a missing file is an empty script
+    std::string bytes = text.str();
+    return GuardedRun(dir, bytes.data(), static_cast<int>(bytes.size()), showErrors, true, file);
 }
 
 int LeseTextAusDatei(CString path, CString& text) {

@@ -8,6 +8,7 @@
 #include "pipeline/keywords.h"
 #include "qelkern/parser.h"
 #include "qelkern/userinterface.h"
+#include "pipeline/script_error.h"
 
 namespace {
 
@@ -66,6 +67,8 @@ void CScanner::GetSym() {
     // must not deepen the native stack.
     for (;;) {
         while (!eof && isBlank(ch)) GetCh();
+        symLine = line;
+        symPosition = position;
         if (eof) {
             sym = symEof;
             return;
@@ -136,6 +139,7 @@ void CScanner::GetSym() {
 
 void CScanner::Mark(CString message) {
     errorFound = 1;
+    qelkern::ReportDiagnostic(ScriptErrorKind::Scanner, symLine, symPosition, message);
     CString text;
     text.Format("Scanner: Zeile: %d Position: %d: %s\n", line, position,
                 static_cast<const char*>(message));
@@ -149,7 +153,7 @@ void CScanner::InsertText(CString text) {
     if (count > INT_MAX - size) return;
     const int at = index < 0 ? 0 : (index > size ? size : index);
     try {
-        const char* bytes = text.str().data();
+        const char* bytes = text.view().data();
         buffer.insert(buffer.begin() + at, bytes, bytes + count);
     } catch (const std::bad_alloc&) {
         return;

@@ -47,11 +47,11 @@ static std::vector<std::string> SplitLines(const std::string& text) {
     return lines;
 }
 
+// The caption heads the block; only a box without one is named by its icon,
+// so that a plain message with the error icon is not called an error.
 void CConsoleUserInterface::ShowMessage(const CString& text, const CString& caption, Icon icon) {
     CString block;
-    block.Format("== %s ==", IconWord(icon));
-    if (!caption.IsEmpty()) block += " " + caption;
-    block += "\n";
+    block.Format("== %s ==\n", caption.IsEmpty() ? IconWord(icon) : static_cast<const char*>(caption));
     CString body = text;
     body.TrimRight();
     if (!body.IsEmpty()) block += body + "\n";

@@ -7,14 +7,18 @@
 using namespace qt_richedit;
 
 namespace {
-void RecordUndo(std::deque<UndoStep>& undo, const QTextCursor& range, int insertedLength, bool newLine,
-                UndoMode mode) {
+void RecordUndo(std::deque<UndoStep>& undo, std::deque<UndoStep>& redo, const QTextCursor& range,
+                const FormatModel& formats, int insertedLength, bool newLine, UndoMode mode) {
     const int start = range.selectionStart();
     const int end = range.selectionEnd();
     if (mode == UndoMode::None) {
-        if (insertedLength != end - start) undo.clear();
+        if (insertedLength != end - start) {
+            undo.clear();
+            redo.clear();
+        }
         return;
     }
+    redo.clear();
     UndoStep* last = undo.empty() ? nullptr : &undo.back();
     const bool joins = mode == UndoMode::Typing && last && last->typing && start == end &&
                        last->start + last->insertedLength == start;
@@ -23,7 +27,8 @@ void RecordUndo(std::deque<UndoStep>& undo, const QTextCursor& range, int insert
     } else {
         UndoStep step;
         step.start = start;
-        step.removed = range.selection();
+        step.removed = range.selectedText();
+        step.removedFormats = formats.Slice(start, end);
         step.removedLength = end - start;
         step.insertedLength = insertedLength;
         step.typing = mode == UndoMode::Typing;
@@ -40,9 +45,11 @@ bool CQtRichEditWidget::AskProtected(UINT message, WPARAM wParam, int start, int
            OwnerAllowsProtectedChange(message, wParam, start, end);
 }
 
+// The owner colours the change as it hears of it; what is painted follows.
 void CQtRichEditWidget::NotifyChanged() {
     NMHDR change;
     NotifyOwner(EN_CHANGE, &change);
+    state->Paint();
     NotifySelection(true);
 }
 
@@ -58,11 +65,13 @@ bool CQtRichEditWidget::ReplaceRange(int start, int end, const QString& inserted
     end = std::clamp(end, start, s.Length());
     {
         OwnChange own(s);
-        const QTextCharFormat format = s.InsertionFormat(start, end);
+        const FormatId format = s.InsertionFormat(start, end);
         QTextCursor range = s.Range(start, end);
-        RecordUndo(s.undo, range, static_cast<int>(inserted.size()), inserted == u"\n",
+        RecordUndo(s.undo, s.redo, range, s.formats, static_cast<int>(inserted.size()), inserted.startsWith(u'\n'),
                    static_cast<UndoMode>(undoMode));
-        range.insertText(inserted, format);
+        range.insertText(inserted);
+        s.formats.Replace(start, end - start, static_cast<int>(inserted.size()), format);
+        s.TextReplaced(start, end - start, static_cast<int>(inserted.size()));
         QTextCursor caret(s.Document());
         caret.setPosition(std::min(start + static_cast<int>(inserted.size()), s.Length()));
         s.pendingFormat.reset();
@@ -80,11 +89,15 @@ void CQtRichEditWidget::SetText(const char* text) {
         // The whole text goes: an edit block of a lock may not span that.
         if (s.updateLocks > 0) s.batch.endEditBlock();
         s.Document()->setPlainText(ToQt(text));
+        s.formats.Reset(s.DocumentLength());
+        s.painter.MarkAll();
+        ++s.textRevision;
         if (s.updateLocks > 0) {
             s.batch = QTextCursor(s.Document());
             s.batch.beginEditBlock();
         }
         s.undo.clear();
+        s.redo.clear();
         s.pendingFormat.reset();
         s.SetCursor(QTextCursor(s.Document()));
     }
@@ -168,18 +181,35 @@ void CQtRichEditWidget::DeleteByKey(UINT key, bool wholeWord) {
 
 bool CQtRichEditWidget::CanUndo() const { return !state->undo.empty(); }
 
-bool CQtRichEditWidget::Undo() {
+bool CQtRichEditWidget::Undo() { return TakeBack(state->undo, state->redo); }
+
+bool CQtRichEditWidget::CanRedo() const { return !state->redo.empty() && !state->readOnly; }
+
+bool CQtRichEditWidget::Redo() { return TakeBack(state->redo, state->undo); }
+
+// Puts back the text of the last step of `from`; the step that would undo
+// that goes to `to`.
+bool CQtRichEditWidget::TakeBack(std::deque<UndoStep>& from, std::deque<UndoStep>& to) {
     State& s = *state;
-    if (s.readOnly || s.undo.empty() || !s.view) return false;
-    UndoStep step = std::move(s.undo.back());
-    s.undo.pop_back();
+    if (s.readOnly || from.empty() || !s.view) return false;
+    UndoStep step = std::move(from.back());
+    from.pop_back();
     {
         OwnChange own(s);
         const int start = std::clamp(step.start, 0, s.Length());
         const int end = std::clamp(start + step.insertedLength, start, s.Length());
         QTextCursor range = s.Range(start, end);
-        range.removeSelectedText();
-        if (!step.removed.isEmpty()) range.insertFragment(step.removed);
+        UndoStep inverse;
+        inverse.start = start;
+        inverse.removed = range.selectedText();
+        inverse.removedFormats = s.formats.Slice(start, end);
+        inverse.removedLength = end - start;
+        inverse.insertedLength = step.removedLength;
+        range.insertText(step.removed);
+        s.formats.Replace(start, end - start, step.removedFormats);
+        s.TextReplaced(start, end - start, step.removedLength);
+        to.push_back(std::move(inverse));
+        if (to.size() > undoLimit) to.pop_front();
         s.pendingFormat.reset();
         s.SetCursor(s.Range(start, start + step.removedLength));
     }
@@ -187,11 +217,27 @@ bool CQtRichEditWidget::Undo() {
     return true;
 }
 
-void CQtRichEditWidget::EmptyUndoBuffer() { state->undo.clear(); }
+void CQtRichEditWidget::EmptyUndoBuffer() {
+    state->undo.clear();
+    state->redo.clear();
+}
+
+void CQtRichEditWidget::FollowOutsideChange(int position, int removed, int added) {
+    State& s = *state;
+    position = std::clamp(position, 0, s.formats.Length());
+    removed = std::clamp(removed, 0, s.formats.Length() - position);
+    s.formats.Replace(position, removed, std::max(added, 0), FormatModel::plainId);
+    if (s.formats.Length() != s.DocumentLength()) s.formats.Reset(s.DocumentLength());  // never out of step with the text
+    s.TextReplaced(position, removed, std::max(added, 0));
+    s.Paint();
+}
 
 // The steps no longer fit a text that Qt changed by itself.
 void CQtRichEditWidget::TextChangedOutside() {
     state->undo.clear();
+    state->redo.clear();
     state->pendingFormat.reset();
     NotifyChanged();
 }
+
+unsigned CQtRichEditWidget::TextRevision() const { return state->textRevision; }

@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QTextBlock>
 
 #include "qelkern/userinterface.h"
 #include "richedit_state.h"
@@ -50,6 +51,11 @@ UINT VirtualKeyOf(const QKeyEvent& event) {
     case Qt::Key_Delete: return VK_DELETE;
     default: return VK_OEM_1;
     }
+}
+
+// Redo as the desktops of both worlds bind it.
+bool IsControlY(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Y && (event.modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier;
 }
 
 bool MovesCaret(UINT key) {
@@ -114,9 +120,24 @@ void CQtRichEditWidget::KeyPressed(QKeyEvent* event) {
     // Platforms differ in the text of these keys; the control wants 13 and 9.
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) text = QStringLiteral("\r");
     if (text.isEmpty() && event->key() == Qt::Key_Backtab) text = QStringLiteral("\t");
-    for (const QChar ch : text)
-        if (ch.unicode() <= 0xFF) SendToOwner(WM_CHAR, ch.unicode(), keyDownFlags);
+    TypeCharacters(text);
 }
+
+// Latin-1 is all the text can hold; what lies beyond is told, not typed.
+void CQtRichEditWidget::TypeCharacters(const QString& text) {
+    for (const QChar ch : text) {
+        if (ch.unicode() <= 0xFF)
+            SendToOwner(WM_CHAR, ch.unicode(), keyDownFlags);
+        else if (state->rejectedCharacter && !state->readOnly)
+            state->rejectedCharacter(ch);
+    }
+}
+
+void CQtRichEditWidget::SetRejectedCharacterHandler(std::function<void(QChar)> handler) {
+    state->rejectedCharacter = std::move(handler);
+}
+
+void CQtRichEditWidget::SetAutoIndent(bool on) { state->autoIndent = on; }
 
 void CQtRichEditWidget::KeyReleased(QKeyEvent* event) {
     if (PassesToWindow(event)) {
@@ -142,10 +163,7 @@ void CQtRichEditWidget::FocusGained() {
         Focus();
 }
 
-void CQtRichEditWidget::TextComposed(const QString& text) {
-    for (const QChar ch : text)
-        if (ch.unicode() <= 0xFF) SendToOwner(WM_CHAR, ch.unicode(), keyDownFlags);
-}
+void CQtRichEditWidget::TextComposed(const QString& text) { TypeCharacters(text); }
 
 void CQtRichEditWidget::ContextMenuRequested(const QPoint& globalPosition) {
     State& s = *state;
@@ -200,7 +218,7 @@ bool CQtRichEditWidget::HandleShortcut(QKeyEvent* event) {
     else if (event->matches(QKeySequence::Paste)) SendToOwner(WM_PASTE, 0, 0);
     else if (event->matches(QKeySequence::Undo)) SendToOwner(WM_UNDO, 0, 0);
     else if (event->matches(QKeySequence::SelectAll)) SetSel(0, GetTextLength());
-    else if (event->matches(QKeySequence::Redo)) {}  // the widget keeps no redo steps
+    else if (event->matches(QKeySequence::Redo) || IsControlY(*event)) Redo();
     else return false;
     return true;
 }
@@ -252,13 +270,25 @@ void CQtRichEditWidget::MoveCaret(UINT key, bool extend) {
     NotifySelection(false);
 }
 
+// The blanks and tabs that open the line of `position`, up to it.
+QString CQtRichEditWidget::IndentBefore(int position) const {
+    const QTextDocument* document = state->Document();
+    if (!document) return QString();
+    const QTextBlock block = document->findBlock(position);
+    const QString line = block.text().left(position - block.position());
+    qsizetype length = 0;
+    while (length < line.size() && (line[length] == u' ' || line[length] == u'\t')) ++length;
+    return line.left(length);
+}
+
 void CQtRichEditWidget::DefaultChar(UINT character) {
     if (state->readOnly) return;
     const bool printable = character == '\r' || character == '\t' || (character >= 32 && character != 127);
     if (!printable || character > 0xFF) return;
-    const QString typed = character == '\r' ? QStringLiteral("\n") : QString(QChar(static_cast<char16_t>(character)));
     int start = 0;
     int end = 0;
     GetSel(start, end);
+    QString typed = character == '\r' ? QStringLiteral("\n") : QString(QChar(static_cast<char16_t>(character)));
+    if (character == '\r' && state->autoIndent) typed += IndentBefore(start);
     ReplaceRange(start, end, typed, WM_CHAR, character, static_cast<int>(UndoMode::Typing));
 }

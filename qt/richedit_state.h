@@ -8,19 +8,22 @@
 #include <QTextLayout>
 #include <QTextCharFormat>
 #include <QTextCursor>
-#include <QTextDocumentFragment>
 #include <algorithm>
 #include <deque>
+#include <functional>
 #include <optional>
 
 #include "qelkern-qt/qtrichedit.h"
+#include "richedit_format_model.h"
+#include "richedit_painter.h"
 #include "text_edit_view.h"
 
 namespace qt_richedit {
 
 struct UndoStep {
     int start = 0;
-    QTextDocumentFragment removed;  // text and formats, put back by Undo
+    QString removed;  // text and formats, put back by Undo
+    std::vector<FormatId> removedFormats;
     int removedLength = 0;
     int insertedLength = 0;
     bool typing = false;  // later typing at its end may join it
@@ -42,35 +45,30 @@ DWORD SameItems(const CHARFORMAT& a, const CHARFORMAT& b);
 QFont FontOf(const CHARFORMAT& cf);
 bool IsProtected(const QTextCharFormat& format);
 
-// Calls visit(format, start, end) for each run of one format in [start, end).
-// The runs of a block come in one go, so no run asks the document for its
-// position.
-template <class Visit>
-void ForEachRun(const QTextDocument* document, int start, int end, Visit visit) {
-    for (QTextBlock block = document->findBlock(start); block.isValid(); block = block.next()) {
-        const int blockStart = block.position();
-        if (blockStart >= end) break;
-        for (const QTextLayout::FormatRange& run : block.textFormats()) {
-            const int from = std::max(start, blockStart + run.start);
-            const int to = std::min(end, blockStart + run.start + run.length);
-            if (from < to) visit(run.format, from, to);
-        }
-    }
-}
-
 }  // namespace qt_richedit
 
 struct CQtRichEditWidget::State {
     QPointer<CQtTextEditView> view;
     CHARFORMAT defaultFormat;
-    std::optional<QTextCharFormat> pendingFormat;  // for the next insertion at the caret
+    std::optional<qt_richedit::FormatId> pendingFormat;  // for the next insertion at the caret
+    qt_richedit::FormatModel formats;
+    std::function<void(int line)> gutterClicked;
+    std::function<void(QChar)> rejectedCharacter;
+    bool autoIndent = false;
+    unsigned textRevision = 0;
+    qt_richedit::FormatPainter painter;
     std::deque<qt_richedit::UndoStep> undo;
+    std::deque<qt_richedit::UndoStep> redo;  // steps taken back, newest last
     PARAFORMAT para;
     bool readOnly = false;
     bool shown = false;
 
     int updateLocks = 0;
-    QTextCursor lockCursor;  // the selection while updates are locked
+    // The selection while updates are locked, as plain positions: the
+    // colouring moves it for every token, and a cursor of the document
+    // would look up its block and line each time.
+    int lockAnchor = 0;
+    int lockPosition = 0;
     QTextCursor batch;       // holds an edit block open while updates are locked
     int lockScrollX = 0;
     int lockScrollY = 0;
@@ -90,11 +88,26 @@ struct CQtRichEditWidget::State {
 
     QTextDocument* Document() const;
     int Length() const;
+    int DocumentLength() const;
     QTextCursor Cursor() const;
+    QTextCursor CursorAt(int anchor, int position) const;
     void SetCursor(const QTextCursor& cursor);
     QTextCursor Range(int start, int end) const;
-    QTextCharFormat InsertionFormat(int start, int end) const;
+    qt_richedit::FormatId InsertionFormat(int start, int end) const;
+    // The format of an id as the framework's, with the default's items
+    // where it has none; kept until the default changes.
+    void FillFormat(qt_richedit::FormatId id, CHARFORMAT& cf) const;
+    mutable std::vector<CHARFORMAT> filledFormats;
+    mutable std::vector<bool> filledMade;
     bool RangeIsProtected(int start, int end) const;
+    // Shows what changed in the formats, unless updates are locked.
+    void Paint();
+    // The text of [start, start + removed) became `inserted` characters long.
+    void TextReplaced(int start, int removed, int inserted) {
+        ++textRevision;
+        painter.Shift(start, removed, inserted);
+        painter.Mark(start, start + inserted);
+    }
 };
 
 // Marks a change of the document as the widget's own for its duration.

@@ -9,6 +9,7 @@
 
 using namespace qt_richedit;
 
+
 namespace {
 CHARFORMAT InitialDefaultFormat() {
     CHARFORMAT cf;
@@ -25,20 +26,32 @@ CHARFORMAT InitialDefaultFormat() {
 
 QTextDocument* CQtRichEditWidget::State::Document() const { return view ? view->document() : nullptr; }
 
-int CQtRichEditWidget::State::Length() const {
+// The format model has one entry per character of the document; asking it
+// spares a walk through the document's fragments for every token.
+int CQtRichEditWidget::State::Length() const { return view ? formats.Length() : 0; }
+
+int CQtRichEditWidget::State::DocumentLength() const {
     const QTextDocument* document = Document();
     return document ? document->characterCount() - 1 : 0;
 }
 
 QTextCursor CQtRichEditWidget::State::Cursor() const {
     if (!view) return QTextCursor();
-    return updateLocks > 0 ? lockCursor : view->textCursor();
+    return updateLocks > 0 ? CursorAt(lockAnchor, lockPosition) : view->textCursor();
+}
+
+QTextCursor CQtRichEditWidget::State::CursorAt(int anchor, int position) const {
+    QTextCursor cursor(Document());
+    cursor.setPosition(std::clamp(anchor, 0, Length()));
+    cursor.setPosition(std::clamp(position, 0, Length()), QTextCursor::KeepAnchor);
+    return cursor;
 }
 
 void CQtRichEditWidget::State::SetCursor(const QTextCursor& cursor) {
     if (!view) return;
     if (updateLocks > 0) {
-        lockCursor = cursor;
+        lockAnchor = cursor.anchor();
+        lockPosition = cursor.position();
         return;
     }
     view->setTextCursor(cursor);
@@ -52,20 +65,31 @@ QTextCursor CQtRichEditWidget::State::Range(int start, int end) const {
 }
 
 // The format that inserted text takes: the one set for it, else that of the
-// first replaced character, else of the character before the caret.
-QTextCharFormat CQtRichEditWidget::State::InsertionFormat(int start, int end) const {
+// first replaced character, else of the character before the caret (at the
+// start of a line, of the line's first character).
+FormatId CQtRichEditWidget::State::InsertionFormat(int start, int end) const {
     if (pendingFormat) return *pendingFormat;
-    QTextCursor cursor(Document());
-    cursor.setPosition(start < end ? start + 1 : start);
-    return cursor.charFormat();
+    const int length = formats.Length();
+    if (length == 0) return FormatModel::plainId;
+    if (start < end) return formats.At(std::clamp(start, 0, length - 1));
+    const QTextDocument* document = Document();
+    const bool lineStart = start == 0 || (document && document->characterAt(start - 1) == QChar::ParagraphSeparator);
+    if (lineStart && start < length && document->characterAt(start) != QChar::ParagraphSeparator)
+        return formats.At(start);
+    return formats.At(std::clamp(start - 1, 0, length - 1));
 }
 
 bool CQtRichEditWidget::State::RangeIsProtected(int start, int end) const {
-    if (start >= end) return IsProtected(InsertionFormat(start, end));
-    bool found = false;
-    ForEachRun(Document(), start, end,
-               [&found](const QTextCharFormat& format, int, int) { found = found || IsProtected(format); });
-    return found;
+    if (start >= end) return formats.IsProtected(InsertionFormat(start, end));
+    for (int i = start; i < end; ++i)
+        if (formats.IsProtected(formats.At(i))) return true;
+    return false;
+}
+
+void CQtRichEditWidget::State::Paint() {
+    if (updateLocks > 0 || !view) return;
+    OwnChange own(*this);
+    painter.Apply(Document(), formats);
 }
 
 // --- construction ----------------------------------------------------------------
@@ -80,13 +104,15 @@ CQtRichEditWidget::CQtRichEditWidget() : state(std::make_unique<State>()) {
     document->setUndoRedoEnabled(false);
     ApplyDefaultFormat();
 
-    // Qt changes the document itself only when text is dragged out of it.
-    QObject::connect(document, &QTextDocument::contentsChange, s.view, [this](int, int, int) {
+    // Qt changes the document itself only when text is dragged out of it;
+    // the formats follow the text at once.
+    QObject::connect(document, &QTextDocument::contentsChange, s.view, [this](int position, int removed, int added) {
         if (state->ownChanges > 0) return;
+        FollowOutsideChange(position, removed, added);
         QTimer::singleShot(0, state->view, [this] { TextChangedOutside(); });
     });
-    QObject::connect(s.view, &QTextEdit::cursorPositionChanged, s.view, [this] { SelectionMovedByUser(); });
-    QObject::connect(s.view, &QTextEdit::selectionChanged, s.view, [this] { SelectionMovedByUser(); });
+    QObject::connect(s.view, &QPlainTextEdit::cursorPositionChanged, s.view, [this] { SelectionMovedByUser(); });
+    QObject::connect(s.view, &QPlainTextEdit::selectionChanged, s.view, [this] { SelectionMovedByUser(); });
 }
 
 CQtRichEditWidget::~CQtRichEditWidget() {
@@ -98,7 +124,7 @@ CQtRichEditWidget::~CQtRichEditWidget() {
     }
 }
 
-QTextEdit* CQtRichEditWidget::GetTextEdit() const { return state->view; }
+QPlainTextEdit* CQtRichEditWidget::GetTextEdit() const { return state->view; }
 
 std::unique_ptr<CRichEditWidget> CreateQtRichEditWidget(CWnd*, int) {
     return std::make_unique<CQtRichEditWidget>();
@@ -137,7 +163,13 @@ int CQtRichEditWidget::LineIndex(int line) const {
 // --- selection -------------------------------------------------------------------
 
 void CQtRichEditWidget::GetSel(int& start, int& end) const {
-    const QTextCursor cursor = state->Cursor();
+    const State& s = *state;
+    if (s.updateLocks > 0) {
+        start = std::min(s.lockAnchor, s.lockPosition);
+        end = std::max(s.lockAnchor, s.lockPosition);
+        return;
+    }
+    const QTextCursor cursor = s.Cursor();
     start = cursor.selectionStart();
     end = cursor.selectionEnd();
 }
@@ -145,6 +177,16 @@ void CQtRichEditWidget::GetSel(int& start, int& end) const {
 void CQtRichEditWidget::SetSel(int start, int end) {
     State& s = *state;
     if (!s.view) return;
+    if (s.updateLocks > 0) {
+        const int length = s.Length();
+        const int anchor = std::clamp(std::min(start, end), 0, length);
+        const int position = std::clamp(std::max(start, end), 0, length);
+        if (anchor != s.lockAnchor || position != s.lockPosition) s.pendingFormat.reset();
+        s.lockAnchor = anchor;
+        s.lockPosition = position;
+        NotifySelection(false);
+        return;
+    }
     const QTextCursor before = s.Cursor();
     {
         OwnChange own(s);
@@ -207,7 +249,9 @@ void CQtRichEditWidget::LockUpdate(bool lock) {
     if (!s.view) return;
     if (lock) {
         if (s.updateLocks++ > 0) return;
-        s.lockCursor = s.view->textCursor();
+        const QTextCursor shown = s.view->textCursor();
+        s.lockAnchor = shown.anchor();
+        s.lockPosition = shown.position();
         s.lockScrollX = s.view->horizontalScrollBar()->value();
         s.lockScrollY = s.view->verticalScrollBar()->value();
         s.view->setUpdatesEnabled(false);
@@ -221,17 +265,17 @@ void CQtRichEditWidget::LockUpdate(bool lock) {
         s.batch.endEditBlock();
         s.batch = QTextCursor();
     }
+    s.Paint();
     const QTextCursor shown = s.view->textCursor();
     {
         OwnChange own(s);
-        if (shown.anchor() != s.lockCursor.anchor() || shown.position() != s.lockCursor.position()) {
-            s.view->setTextCursor(s.lockCursor);
+        if (shown.anchor() != s.lockAnchor || shown.position() != s.lockPosition) {
+            s.view->setTextCursor(s.CursorAt(s.lockAnchor, s.lockPosition));
         } else {
             s.view->horizontalScrollBar()->setValue(s.lockScrollX);
             s.view->verticalScrollBar()->setValue(s.lockScrollY);
         }
     }
-    s.lockCursor = QTextCursor();
     s.view->setUpdatesEnabled(true);
     s.view->viewport()->update();
 }

@@ -1,5 +1,7 @@
 // CQtRichEditWidget: character formats of the selection and the default
 // format, and the tab stops.
+#include <cstring>
+
 #include "richedit_state.h"
 
 using namespace qt_richedit;
@@ -7,26 +9,49 @@ using namespace qt_richedit;
 namespace {
 constexpr double twipsPerInch = 1440.0;
 constexpr double pixelsPerInch = 96.0;  // Qt scales logical pixels to the screen
+
+bool SameFormat(const CHARFORMAT& a, const CHARFORMAT& b) {
+    return a.dwEffects == b.dwEffects && a.yHeight == b.yHeight && a.yOffset == b.yOffset &&
+           a.crTextColor == b.crTextColor && a.bCharSet == b.bCharSet && a.bPitchAndFamily == b.bPitchAndFamily &&
+           std::strncmp(a.szFaceName, b.szFaceName, LF_FACESIZE) == 0;
+}
 }  // namespace
+
+void CQtRichEditWidget::State::FillFormat(FormatId id, CHARFORMAT& cf) const {
+    if (filledMade.size() <= id) {
+        filledMade.resize(static_cast<size_t>(formats.FormatCount()), false);
+        filledFormats.resize(filledMade.size());
+    }
+    if (!filledMade[id]) {
+        FillCharFormat(formats.Format(id), defaultFormat, filledFormats[id]);
+        filledMade[id] = true;
+    }
+    const UINT size = cf.cbSize;
+    cf = filledFormats[id];
+    cf.cbSize = size;
+}
 
 DWORD CQtRichEditWidget::GetSelectionCharFormat(CHARFORMAT& cf) const {
     const State& s = *state;
     int start = 0;
     int end = 0;
     GetSel(start, end);
+    end = std::min(end, s.formats.Length());
     if (!s.view || start >= end) {
-        FillCharFormat(s.view ? s.InsertionFormat(start, end) : QTextCharFormat(), s.defaultFormat, cf);
+        if (s.view)
+            s.FillFormat(s.InsertionFormat(start, end), cf);
+        else
+            FillCharFormat(QTextCharFormat(), s.defaultFormat, cf);
         return cf.dwMask;
     }
     bool first = true;
     DWORD same = CFM_ALL;
     CHARFORMAT run;
-    ForEachRun(s.Document(), start, end, [&](const QTextCharFormat& format, int, int) {
-        FillCharFormat(format, s.defaultFormat, first ? cf : run);
+    s.formats.ForEachRun(start, end, [&](FormatId id, int, int) {
+        s.FillFormat(id, first ? cf : run);
         if (!first) same &= SameItems(cf, run);
         first = false;
     });
-    if (first) FillCharFormat(s.InsertionFormat(start, end), s.defaultFormat, cf);
     cf.dwMask = same;
     return same;
 }
@@ -37,35 +62,19 @@ bool CQtRichEditWidget::SetSelectionCharFormat(const CHARFORMAT& cf) {
     int start = 0;
     int end = 0;
     GetSel(start, end);
-    const bool autoColour = (cf.dwMask & CFM_COLOR) && (cf.dwEffects & CFE_AUTOCOLOR);
     if (start >= end) {
-        QTextCharFormat format = s.InsertionFormat(start, end);
+        QTextCharFormat format = s.formats.Format(s.InsertionFormat(start, end));
         format.merge(MaskedFormat(cf));
-        if (autoColour) format.clearForeground();
-        s.pendingFormat = format;
+        if ((cf.dwMask & CFM_COLOR) && (cf.dwEffects & CFE_AUTOCOLOR)) format.clearForeground();
+        s.pendingFormat = s.formats.Intern(format);
         return true;
     }
     if (!AskProtected(EM_SETCHARFORMAT, 0, start, end)) return false;
-    OwnChange own(s);
-    QTextCursor range = s.Range(start, end);
-    range.mergeCharFormat(MaskedFormat(cf));
-    if (autoColour) ClearColour(start, end);
+    end = std::min(end, s.formats.Length());
+    s.formats.Merge(start, end, cf);
+    s.painter.Mark(start, end);
+    s.Paint();
     return true;
-}
-
-void CQtRichEditWidget::ClearColour(int start, int end) {
-    State& s = *state;
-    struct Run {
-        QTextCharFormat format;
-        int start, end;
-    };
-    std::vector<Run> runs;
-    ForEachRun(s.Document(), start, end,
-               [&runs](const QTextCharFormat& format, int from, int to) { runs.push_back({format, from, to}); });
-    for (Run& run : runs) {
-        run.format.clearForeground();
-        s.Range(run.start, run.end).setCharFormat(run.format);
-    }
 }
 
 DWORD CQtRichEditWidget::GetDefaultCharFormat(CHARFORMAT& cf) const {
@@ -75,10 +84,15 @@ DWORD CQtRichEditWidget::GetDefaultCharFormat(CHARFORMAT& cf) const {
     return cf.dwMask = CFM_ALL;
 }
 
+// Colouring sets the default back after every pass; only a real change
+// costs a new layout.
 bool CQtRichEditWidget::SetDefaultCharFormat(const CHARFORMAT& cf) {
     CHARFORMAT& target = state->defaultFormat;
+    const CHARFORMAT before = target;
     FillCharFormat(MaskedFormat(cf), target, target);
     if ((cf.dwMask & CFM_COLOR) && (cf.dwEffects & CFE_AUTOCOLOR)) target.dwEffects |= CFE_AUTOCOLOR;
+    if (SameFormat(before, target)) return true;
+    state->filledMade.clear();
     ApplyDefaultFormat();
     return true;
 }
@@ -89,14 +103,37 @@ void CQtRichEditWidget::ApplyDefaultFormat() {
     if (!s.view) return;
     OwnChange own(s);
     const CHARFORMAT& cf = s.defaultFormat;
-    s.view->setFont(FontOf(cf));
+    QFont font = FontOf(cf);
+    font.setPointSizeF(font.pointSizeF() * s.painter.Zoom());
+    if (font != s.view->font()) s.view->setFont(font);
     QPalette palette = s.view->palette();
     const QColor text = (cf.dwEffects & CFE_AUTOCOLOR)
                             ? QPalette().color(QPalette::Text)
                             : QColor(GetRValue(cf.crTextColor), GetGValue(cf.crTextColor),
                                      GetBValue(cf.crTextColor));
+    if (palette.color(QPalette::Text) == text) return;
     palette.setColor(QPalette::Text, text);
     s.view->setPalette(palette);
+}
+
+void CQtRichEditWidget::SetDisplayColours(const QHash<QRgb, QColor>& colours) {
+    state->painter.SetDisplayColours(colours);
+    state->Paint();
+}
+
+void CQtRichEditWidget::SetZoom(double factor) {
+    State& s = *state;
+    if (factor <= 0 || factor == s.painter.Zoom()) return;
+    s.painter.SetZoom(factor);
+    ApplyDefaultFormat();
+    ApplyTabStops();
+    s.Paint();
+}
+
+double CQtRichEditWidget::Zoom() const { return state->painter.Zoom(); }
+
+QColor CQtRichEditWidget::DisplayColour(COLORREF stored) const {
+    return state->painter.DisplayColour(QColor(GetRValue(stored), GetGValue(stored), GetBValue(stored)));
 }
 
 // Tab stops hold for the whole text: a script has no paragraph formats.
@@ -104,12 +141,21 @@ bool CQtRichEditWidget::SetParaFormat(const PARAFORMAT& pf) {
     State& s = *state;
     s.para = pf;
     if (!s.view || !(pf.dwMask & PFM_TABSTOPS)) return s.view != nullptr;
+    ApplyTabStops();
+    return true;
+}
+
+void CQtRichEditWidget::ApplyTabStops() {
+    State& s = *state;
+    const PARAFORMAT& pf = s.para;
+    if (!s.view || !(pf.dwMask & PFM_TABSTOPS)) return;
     QList<QTextOption::Tab> tabs;
     const int count = std::clamp<int>(pf.cTabCount, 0, MAX_TAB_STOPS);
+    const qreal scale = pixelsPerInch / twipsPerInch * s.painter.Zoom();
     qreal last = 0;
     qreal step = 0;
     for (int i = 0; i < count; ++i) {
-        const qreal position = pf.rgxTabs[i] / twipsPerInch * pixelsPerInch;
+        const qreal position = pf.rgxTabs[i] * scale;
         if (position <= last) continue;
         step = position - last;
         last = position;
@@ -121,5 +167,4 @@ bool CQtRichEditWidget::SetParaFormat(const PARAFORMAT& pf) {
     if (step > 0) option.setTabStopDistance(step);
     OwnChange own(s);
     document->setDefaultTextOption(option);
-    return true;
 }

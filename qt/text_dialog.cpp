@@ -1,7 +1,8 @@
 #include <QShowEvent>
-#include <QTextEdit>
+#include <QPlainTextEdit>
 #include <QTimer>
 
+#include "qelkern-qt/qtappearance.h"
 #include "qelkern-qt/qtdialogs.h"
 #include "qelkern-qt/qtuserinterface.h"
 #include "qelkern-qt/qtrichedit.h"
@@ -33,7 +34,7 @@ protected:
     // The caret was placed before the window had a size; now it can be shown.
     void showEvent(QShowEvent* event) override {
         CQtResourceDialog::showEvent(event);
-        auto* editor = qobject_cast<QTextEdit*>(Item(IDC_TEXTDIALOG_EDIT));
+        auto* editor = qobject_cast<QPlainTextEdit*>(Item(IDC_TEXTDIALOG_EDIT));
         if (!editor) return;
         editor->setFocus();
         QTimer::singleShot(0, editor, [editor] { editor->ensureCursorVisible(); });
@@ -59,6 +60,8 @@ bool CQtTextDialog::BuildWindow() {
     window = std::make_unique<CFlexLayoutWindow>(*this, *resource, parentWindow);
     window->setWindowTitle(Latin1Text(GetWindowText()));
     window->LendItem(IDC_TEXTDIALOG_EDIT, widget->GetTextEdit());
+    // On a dark desktop the error line and the words stay readable.
+    if (IsDarkPalette(window->palette())) widget->SetDisplayColours(DarkDisplayColours(edit, window->palette()));
     WINDOWPLACEMENT placement;
     GetWindowPlacement(&placement);
     if (placement.showCmd == SW_SHOWMAXIMIZED) window->setWindowState(window->windowState() | Qt::WindowMaximized);

@@ -3,12 +3,13 @@
 #include <QKeyEvent>
 #include <QMimeData>
 
+#include "line_gutter.h"
+
 #include "qelkern-qt/qtrichedit.h"
 
 CQtTextEditView::CQtTextEditView(CQtRichEditWidget* widget) : owner(widget) {
-    setAcceptRichText(false);
     // Lines of the widget are paragraphs: script lines never wrap.
-    setLineWrapMode(QTextEdit::NoWrap);
+    setLineWrapMode(QPlainTextEdit::NoWrap);
     setTabChangesFocus(false);
 }
 
@@ -26,7 +27,7 @@ bool CQtTextEditView::event(QEvent* event) {
             return true;
         }
     }
-    return QTextEdit::event(event);
+    return QPlainTextEdit::event(event);
 }
 
 void CQtTextEditView::keyPressEvent(QKeyEvent* event) {
@@ -46,18 +47,18 @@ void CQtTextEditView::keyReleaseEvent(QKeyEvent* event) {
 // Coming back from a menu or from another window is no new focus for the
 // control: its selection stays.
 void CQtTextEditView::focusInEvent(QFocusEvent* event) {
-    QTextEdit::focusInEvent(event);
+    QPlainTextEdit::focusInEvent(event);
     const Qt::FocusReason reason = event->reason();
     if (owner && reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason) owner->FocusGained();
 }
 
 void CQtTextEditView::inputMethodEvent(QInputMethodEvent* event) {
     if (!owner || event->commitString().isEmpty()) {
-        QTextEdit::inputMethodEvent(event);
+        QPlainTextEdit::inputMethodEvent(event);
         return;
     }
     QInputMethodEvent composing(event->preeditString(), event->attributes());
-    QTextEdit::inputMethodEvent(&composing);
+    QPlainTextEdit::inputMethodEvent(&composing);
     owner->TextComposed(event->commitString());
 }
 
@@ -71,4 +72,44 @@ void CQtTextEditView::insertFromMimeData(const QMimeData* source) {
 
 void CQtTextEditView::contextMenuEvent(QContextMenuEvent* event) {
     if (owner) owner->ContextMenuRequested(event->globalPos());
+}
+
+// The gutter sits in the view's left margin, beside the viewport.
+void CQtTextEditView::ShowGutter(bool show) {
+    if (show == (gutter != nullptr)) return;
+    if (!show) {
+        delete gutter;
+        gutter = nullptr;
+        setViewportMargins(0, 0, 0, 0);
+        return;
+    }
+    gutter = new CQtLineGutter(this);
+    const auto repaint = [this] {
+        if (gutter) gutter->update();
+    };
+    connect(this, &QPlainTextEdit::updateRequest, gutter, repaint);
+    connect(this, &QPlainTextEdit::cursorPositionChanged, gutter, repaint);
+    connect(document(), &QTextDocument::blockCountChanged, gutter, [this] { PlaceGutter(); });
+    PlaceGutter();
+    gutter->show();
+}
+
+void CQtTextEditView::PlaceGutter() {
+    if (!gutter) return;
+    const int width = gutter->WidthForText();
+    if (viewportMargins().left() != width) setViewportMargins(width, 0, 0, 0);
+    const QRect area = contentsRect();
+    gutter->setGeometry(area.left(), area.top(), width, area.height());
+    gutter->update();
+}
+
+void CQtTextEditView::resizeEvent(QResizeEvent* event) {
+    QPlainTextEdit::resizeEvent(event);
+    PlaceGutter();
+}
+
+// A new font (the zoom) needs other room for the numbers.
+void CQtTextEditView::changeEvent(QEvent* event) {
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::FontChange) PlaceGutter();
 }

@@ -1,19 +1,29 @@
-// The QTextEdit that stands behind CQtRichEditWidget: it hands every input
+// The QPlainTextEdit that stands behind CQtRichEditWidget: it hands every input
 // of the user to the widget object, which turns it into the framework's
 // messages for the control's message map.
 #pragma once
 
-#include <QTextEdit>
+#include <QPlainTextEdit>
+#include <QTextBlock>
 
 class CQtRichEditWidget;
+class CQtLineGutter;
 
-class CQtTextEditView : public QTextEdit {
+class CQtTextEditView : public QPlainTextEdit {
 public:
     explicit CQtTextEditView(CQtRichEditWidget* owner);
     // The widget object is going away; input goes nowhere from now on.
     void DetachOwner() { owner = nullptr; }
     // Qt's own handling of a key, for the keys that only move the caret.
-    void MoveByKey(QKeyEvent* event) { QTextEdit::keyPressEvent(event); }
+    void MoveByKey(QKeyEvent* event) { QPlainTextEdit::keyPressEvent(event); }
+
+    void ShowGutter(bool show);
+    CQtLineGutter* Gutter() const { return gutter; }
+    // Where the visible blocks lie, for the gutter.
+    QTextBlock FirstVisibleBlock() const { return firstVisibleBlock(); }
+    QRectF BlockGeometry(const QTextBlock& block) const {
+        return blockBoundingGeometry(block).translated(contentOffset());
+    }
 
 protected:
     bool event(QEvent* event) override;
@@ -24,7 +34,12 @@ protected:
     bool canInsertFromMimeData(const QMimeData* source) const override;
     void insertFromMimeData(const QMimeData* source) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
+    void PlaceGutter();
+
     CQtRichEditWidget* owner;
+    CQtLineGutter* gutter = nullptr;
 };

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds and runs every test twice: a normal build (with the Qt parts when
 # Qt 6 is installed), and a build under AddressSanitizer and
-# UndefinedBehaviorSanitizer.
+# UndefinedBehaviorSanitizer. The normal build is also installed into a
+# temporary prefix and packaged (scripts/check-install.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc 2>/dev/null || echo 2)
@@ -10,6 +11,9 @@ echo "== normal build =="
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo > /dev/null
 cmake --build build -j"$jobs"
 QT_QPA_PLATFORM=offscreen ctest --test-dir build --output-on-failure -j"$jobs"
+
+echo "== install and packages =="
+./scripts/check-install.sh build
 
 echo "== sanitizer build =="
 cmake -S . -B build-sanitize -DCMAKE_BUILD_TYPE=Debug -DQELKERN_SANITIZE=ON -DQELKERN_QT=OFF > /dev/null

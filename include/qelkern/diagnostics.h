@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What went wrong in the last run, as facts a host can read without parsing
 // message texts. Filled by every RunScript, also with showErrors false.
 #pragma once
@@ -12,8 +13,11 @@ enum class ScriptErrorKind : int {
     Runtime,   // a run-time error of the machine
     Stopped,   // ended by the host's run control; see `cause`
     OutOfMemory,
+    Warning,   // a compiler warning; only a CDiagnosticListener sees these
 };
 
+// One diagnostic: the first error of a run (GetLastScriptError), or one event
+// as a CDiagnosticListener receives it.
 struct QELKERN_API CScriptError {
     ScriptErrorKind kind = ScriptErrorKind::None;
     StopCause cause = StopCause::None;
@@ -31,5 +35,23 @@ struct QELKERN_API CScriptError {
     void Clear() { *this = CScriptError(); }
 };
 
-// The record of the last RunScript on this process.
+// The record of the last RunScript on this process: the first scanner or
+// compile error, else the run-time error, else kind None. A compile error's
+// line and column are those of the symbol the parser stood on; a run-time
+// error's are those of the statement whose code failed. Valid until the next
+// RunScript starts; like the runs themselves, not for several threads.
 QELKERN_API const CScriptError& GetLastScriptError();
+
+// Receives every diagnostic of a run as it happens, on the script's thread:
+// each scanner error, the first compile error, each warning (also with
+// showErrors false) and the run-time error. Compile-time diagnostics arrive
+// before the user interface shows them; the run-time error after the
+// machine's message box, when its place is known.
+class QELKERN_API CDiagnosticListener {
+public:
+    virtual ~CDiagnosticListener();
+    virtual void OnDiagnostic(const CScriptError& diagnostic) = 0;
+};
+
+// The listener of the next runs; null (the default): none.
+QELKERN_API extern CDiagnosticListener* pDiagnosticListener;

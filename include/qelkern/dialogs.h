@@ -10,7 +10,7 @@ class CWnd;  // the owner window; the dialogs here have none of their own
 enum : int { IDOK = 1, IDCANCEL = 2 };
 
 // One item of a dialog resource. Position and size are in dialog units.
-struct DialogItem {
+struct QELKERN_API DialogItem {
     enum Kind { StaticText, EditField, DefaultPushButton, PushButton, RichEdit };
     enum Style : unsigned {
         Border = 1, TabStop = 2, AutoHScroll = 4,
@@ -25,7 +25,7 @@ struct DialogItem {
 };
 
 // A dialog resource: a popup dialog with a title, a font and its items.
-struct DialogTemplate {
+struct QELKERN_API DialogTemplate {
     int resourceId;
     const char* title;  // Latin-1
     const char* fontName;
@@ -34,6 +34,7 @@ struct DialogTemplate {
     const DialogItem* items;
     int itemCount;
 
+    // The item with this id, or null.
     const DialogItem* FindItem(int id) const;
 };
 

@@ -60,4 +60,4 @@ QELKERN_API extern CStringArray GlobaleSymbole;
 
 // The callback registered under `name` (case ignored), or null. Fills an
 // empty table through InitPredefinedArray first. Null environment: null.
-PredefinedRoutine FindPredefined(CString name);
+QELKERN_API PredefinedRoutine FindPredefined(CString name);

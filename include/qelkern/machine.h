@@ -59,6 +59,8 @@ QELKERN_API extern CString OperationNames[operationNameCount];
 
 // Name of the listing file; empty (the default) switches the listing off.
 QELKERN_API extern CString DebugListingFile;
+// With the listing on: a line "; FILE:LINE:COLUMN" before each statement's code.
+QELKERN_API extern bool DebugListingLines;
 
 class QELKERN_API Instruction : public CObject {
 public:
@@ -83,6 +85,8 @@ private:
 };
 
 class CInterpreter;
+class CRunControl;
+namespace qelkern { class StackCells; }
 
 // Thrown (as a pointer) on the compiler's error path only.
 class QELKERN_API CQELException : public CException {
@@ -111,6 +115,12 @@ public:
     void DebugFlushToFile();
     // Grows the code store to hold `capacity` instructions, if it holds fewer.
     void ReserveCode(int64_t capacity);
+    // The table from code address to source place, filled while compiling and
+    // read only after a run: the code of a statement starts here, at
+    // `line` and `position` of the joined text as the scanner counts them.
+    void MarkSource(int line, int position);
+    // The place of the statement whose code holds `address`; false: unknown.
+    bool SourceOf(int address, int& line, int& position) const;
 
     int failed = 0;
     int cx = 0;
@@ -121,6 +131,15 @@ private:
     // The highest address that a fixup has made a jump target; a jump just
     // before such a target must stay, or that target would move.
     int highestPatchedTarget = -1;
+
+    void WritePlaceLines(int address, size_t& nextMark);
+
+    struct SourceMark {
+        int address;
+        int line;
+        int position;
+    };
+    std::vector<SourceMark> sourceMarks;  // ascending addresses
 };
 
 class QELKERN_API CInterpreter : public CObject {
@@ -144,4 +163,11 @@ public:
     int codeCapacity = 10000;
     int stackCapacity = 10000;
     int stackLimit = 1047552;
+    // The host's limits for the runs of this interpreter: pRunControl when it
+    // was made; null: none.
+    CRunControl* control;
+    CString errorText;  // the message of the run-time error, for the error record
+
+private:
+    qelkern::StackCells* cells;
 };

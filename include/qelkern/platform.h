@@ -3,11 +3,13 @@
 // Member names follow the framework that host code was written against.
 #pragma once
 
+#include <atomic>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "qelkern/export.h"
@@ -26,26 +28,92 @@ public:
     void Delete();
 };
 
+namespace qelkern {
+
+// The characters of one or more CStrings. Copies share a buffer; each copy
+// has a length of its own, so a text that is a prefix of the buffer's
+// longest text can share it too. Appending therefore happens in place when
+// the appending string is that longest text (the tip) and the capacity
+// suffices, whoever else shares the buffer: s := s + "x" runs in amortised
+// constant time although the stack machine copies s on the way. Anything
+// else that changes characters first makes the buffer its own.
+struct TextBuffer {
+    // The tip's length, with `pinned` set once a sharer has handed out its
+    // text as const char*: that pointer relies on the NUL behind it, so no
+    // sharer may append in place any more. chars[tip] is always NUL.
+    static constexpr unsigned pinned = 0x80000000u;
+
+    std::atomic<int> references;
+    std::atomic<unsigned> tip;
+    int capacity;   // room for characters, the NUL not counted
+    unsigned run;   // the memory budget that paid for it; 0: none
+    char* Chars() { return reinterpret_cast<char*>(this + 1); }
+};
+
+}  // namespace qelkern
+
 // 8-bit text, Latin-1 inside the engine. Holds embedded NULs like the framework's
 // string does, but converts to a NUL-terminated const char*.
+//
+// Copies are cheap: they share the characters copy-on-write. The count of
+// sharers is atomic, so copies of one text may live and die on different
+// threads, as with the framework's string; one CString object itself is not
+// to be used by two threads at once (reading a shared prefix as const char*
+// may make the characters its own). Lengths stop short of INT_MAX; a longer
+// text, like a failed allocation, throws std::bad_alloc.
 class QELKERN_API CString {
 public:
     CString() = default;
     CString(const char* text);
     CString(const char* text, int length);
     explicit CString(char ch, int repeat = 1);
-    CString(const std::string& text) : s(text) {}
-    CString(std::string&& text) : s(std::move(text)) {}
+    CString(const std::string& text);
+    CString(std::string_view text);
+    CString(const CString& other) noexcept : buffer(other.buffer), length(other.length) {
+        if (buffer) buffer->references.fetch_add(1, std::memory_order_relaxed);
+    }
+    CString(CString&& other) noexcept : buffer(other.buffer), length(other.length) {
+        other.buffer = nullptr;
+        other.length = 0;
+    }
+    ~CString() { Release(); }
+    // String objects come and go with every string cell of the machine; a
+    // free list per thread makes that cheap. `new CString` and `delete` pair
+    // up as usual, from any thread.
+    static void* operator new(size_t size);
+    static void operator delete(void* object, size_t size) noexcept;
+    CString& operator=(const CString& other) noexcept {
+        // Cells of the machine are loaded again and again with the same text.
+        if (buffer != other.buffer) {
+            if (other.buffer) other.buffer->references.fetch_add(1, std::memory_order_relaxed);
+            qelkern::TextBuffer* old = buffer;
+            buffer = other.buffer;
+            if (old) ReleaseBuffer(old);
+        }
+        length = other.length;
+        return *this;
+    }
+    CString& operator=(CString&& other) noexcept;
 
-    operator const char*() const { return s.c_str(); }
-    const std::string& str() const { return s; }
-    std::string& str() { return s; }
+    operator const char*() const {
+        if (!buffer) return "";
+        const unsigned tip = buffer->tip.load(std::memory_order_relaxed);
+        return tip == (static_cast<unsigned>(length) | qelkern::TextBuffer::pinned) ? buffer->Chars()
+                                                                                 : Terminated();
+    }
+    // The text as a standard string (a copy) or as a view valid while this
+    // string is unchanged.
+    std::string str() const { return std::string(view()); }
+    std::string_view view() const {
+        return buffer ? std::string_view(buffer->Chars(), static_cast<size_t>(length))
+                      : std::string_view();
+    }
 
-    int GetLength() const { return static_cast<int>(s.size()); }
-    bool IsEmpty() const { return s.empty(); }
-    void Empty() { s.clear(); }
-    char GetAt(int index) const { return s[static_cast<size_t>(index)]; }
-    void SetAt(int index, char ch) { s[static_cast<size_t>(index)] = ch; }
+    int GetLength() const { return length; }
+    bool IsEmpty() const { return length == 0; }
+    void Empty() { Release(); }
+    char GetAt(int index) const { return buffer->Chars()[index]; }
+    void SetAt(int index, char ch) { MakeOwn()[index] = ch; }
     char operator[](int index) const { return GetAt(index); }
 
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
@@ -73,26 +141,51 @@ public:
 
     CString& operator=(const char* text);
     CString& operator=(char ch);
-    CString& operator+=(const CString& other) { s += other.s; return *this; }
+    CString& operator+=(const CString& other) { return Append(other.view()); }
     CString& operator+=(const char* text);
-    CString& operator+=(char ch) { s += ch; return *this; }
+    CString& operator+=(char ch) { return Append(std::string_view(&ch, 1)); }
+    CString& Append(std::string_view text);
 
-    friend CString operator+(const CString& a, const CString& b) { return CString(a.s + b.s); }
-    friend CString operator+(const CString& a, const char* b) { CString r(a); r += b; return r; }
-    friend CString operator+(const char* a, const CString& b) { CString r(a); r += b; return r; }
-    friend CString operator+(const CString& a, char b) { CString r(a); r += b; return r; }
-    friend CString operator+(char a, const CString& b) { CString r(a); r += b; return r; }
+    friend CString operator+(const CString& a, const CString& b) { return Concat(a.view(), b.view()); }
+    // A temporary on the left grows in place: a + b + c copies each text once.
+    friend CString operator+(CString&& a, const CString& b) { return std::move(a.Append(b.view())); }
+    friend CString operator+(CString&& a, const char* b) { return std::move(a.Append(ViewOf(b))); }
+    friend CString operator+(CString&& a, char b) { return std::move(a.Append(std::string_view(&b, 1))); }
+    friend CString operator+(const CString& a, const char* b) { return Concat(a.view(), ViewOf(b)); }
+    friend CString operator+(const char* a, const CString& b) { return Concat(ViewOf(a), b.view()); }
+    friend CString operator+(const CString& a, char b) {
+        return Concat(a.view(), std::string_view(&b, 1));
+    }
+    friend CString operator+(char a, const CString& b) {
+        return Concat(std::string_view(&a, 1), b.view());
+    }
 
-    friend bool operator==(const CString& a, const CString& b) { return a.s == b.s; }
-    friend bool operator==(const CString& a, const char* b) { return a.s == (b ? b : ""); }
+    friend bool operator==(const CString& a, const CString& b) {
+        return a.length == b.length && (a.buffer == b.buffer || a.view() == b.view());
+    }
+    friend bool operator==(const CString& a, const char* b) { return a.view() == ViewOf(b); }
     friend bool operator==(const char* a, const CString& b) { return b == a; }
     friend bool operator!=(const CString& a, const CString& b) { return !(a == b); }
     friend bool operator!=(const CString& a, const char* b) { return !(a == b); }
     friend bool operator!=(const char* a, const CString& b) { return !(b == a); }
-    friend bool operator<(const CString& a, const CString& b) { return a.s < b.s; }
+    friend bool operator<(const CString& a, const CString& b) { return a.view() < b.view(); }
 
 private:
-    std::string s;
+    static std::string_view ViewOf(const char* text) { return text ? std::string_view(text) : std::string_view(); }
+    static CString Concat(std::string_view a, std::string_view b);
+    void Assign(std::string_view text);
+    // The characters, in a buffer this string alone holds, its length the tip.
+    char* MakeOwn();
+    const char* Terminated() const;
+    void Release() noexcept {
+        if (buffer) ReleaseBuffer(buffer);
+        buffer = nullptr;
+        length = 0;
+    }
+    static void ReleaseBuffer(qelkern::TextBuffer* shared) noexcept;
+
+    mutable qelkern::TextBuffer* buffer = nullptr;  // null: the empty text
+    int length = 0;
 };
 
 // Growable array with the framework's member names. Indices are ints.

@@ -1,15 +1,9 @@
-// QELKern: the embeddable script engine. A host includes this header alone.
+// SPDX-License-Identifier: MIT
+// QELKern: the embeddable script engine. A host includes this header alone,
+// or engine.h for the engine without the window and editor layer.
 #pragma once
 
-#include "qelkern/platform.h"
-#include "qelkern/userinterface.h"
-#include "qelkern/numbers.h"
-#include "qelkern/symbols.h"
-#include "qelkern/value.h"
-#include "qelkern/machine.h"
-#include "qelkern/scanner.h"
-#include "qelkern/parser.h"
-#include "qelkern/environment.h"
+#include "qelkern/engine.h"
 #include "qelkern/dialogs.h"
 #include "qelkern/window.h"
 #include "qelkern/richedit.h"

@@ -22,13 +22,23 @@ enum class StopCause : int {
 
 class QELKERN_API CRunControl {
 public:
-    // Machine steps a run may take; 0: no limit. Counted exactly, but
-    // checked only where control flows backwards or into a routine, so the
-    // run ends there at the latest.
+    // Machine steps a run may take; 0: no limit. Counted exactly (the
+    // instructions carried out), but checked only where control flows
+    // backwards or into a routine, so the run ends at the first such place
+    // once the budget is used up.
     uint64_t maxSteps = 0;
-    // Wall-clock time a run may take, in milliseconds; 0: no limit.
+    // Wall-clock time the machine may run, in milliseconds, from the start of
+    // the run after the compile; 0: no limit. Looked at about every
+    // millisecond, not while a callback or dialog holds the thread.
     uint64_t timeoutMilliseconds = 0;
     // Bytes of memory a script may hold in code, stack and texts; 0: no limit.
+    // Counted are the growth of the code store and of the stack beyond their
+    // first 10,000 entries, and every text made on the run's thread while
+    // the script compiles and runs, callbacks included; a text shared by
+    // copies counts once. A script that would pass the limit ends at once
+    // with the box "Nicht genügend Speicher für das Skript." (error icon),
+    // result 0 and `stopCause` MemoryLimit, as does any script that runs out
+    // of real memory, or whose text would reach 2 GiB, without a limit.
     size_t maxMemoryBytes = 0;
     // Called on the script's thread about every `pollMilliseconds` while the
     // machine runs (not while a callback or dialog holds the thread). A host
@@ -37,14 +47,17 @@ public:
     uint32_t pollMilliseconds = 50;
 
     // Ends the current run at its next check; safe from any thread and from
-    // callbacks. The flag stays set until Reset() or the next run starts.
+    // callbacks (the run ends right behind the callback). The flag stays set
+    // until Reset() or until the machine starts the next run, after its
+    // compile: a cancel that comes earlier is lost with the old run.
     void Cancel() noexcept { cancelRequested.store(true, std::memory_order_relaxed); }
     bool IsCancelRequested() const noexcept {
         return cancelRequested.load(std::memory_order_relaxed);
     }
     void Reset() noexcept { cancelRequested.store(false, std::memory_order_relaxed); }
 
-    // Filled by the run: the cause that ended it and the steps it took.
+    // Filled by the run: the cause that ended it (None for an end by the
+    // script itself or by a run-time error) and the steps it took.
     StopCause stopCause = StopCause::None;
     uint64_t stepsTaken = 0;
 

@@ -9,7 +9,15 @@ public:
     VALUE(const VALUE& other);
     ~VALUE() override;
 
-    VALUE& operator=(const VALUE& other);
+    // A string cell given a string shares the text in its own string object;
+    // that common case of the machine needs no call.
+    VALUE& operator=(const VALUE& other) {
+        if (type == 57 && other.type == 57 && stringValue && other.stringValue) {
+            *stringValue = *other.stringValue;
+            return *this;
+        }
+        return AssignOther(other);
+    }
     VALUE& operator=(const int& number);
     VALUE& operator=(const double& number);
 
@@ -21,20 +29,20 @@ public:
     VALUE& operator++();
     VALUE& operator--();
 
-    VALUE operator+(VALUE right) const;
-    VALUE operator-(VALUE right) const;
-    VALUE operator*(VALUE right) const;
-    VALUE operator/(VALUE right) const;
-    VALUE operator%(VALUE right) const;
+    VALUE operator+(const VALUE& right) const;
+    VALUE operator-(const VALUE& right) const;
+    VALUE operator*(const VALUE& right) const;
+    VALUE operator/(const VALUE& right) const;
+    VALUE operator%(const VALUE& right) const;
     VALUE operator%(int right) const;
     VALUE operator%(double right) const;
-    VALUE operator<(VALUE right) const;
-    VALUE operator<=(VALUE right) const;
-    VALUE operator>(VALUE right) const;
-    VALUE operator>=(VALUE right) const;
-    VALUE operator==(VALUE right) const;
+    VALUE operator<(const VALUE& right) const;
+    VALUE operator<=(const VALUE& right) const;
+    VALUE operator>(const VALUE& right) const;
+    VALUE operator>=(const VALUE& right) const;
+    VALUE operator==(const VALUE& right) const;
     VALUE operator==(int right) const;
-    VALUE operator!=(VALUE right) const;
+    VALUE operator!=(const VALUE& right) const;
 
     CString GetTypeName() const;
 
@@ -45,6 +53,9 @@ public:
     // Moves the contents of `other` here and leaves `other` an integer 0,
     // without copying a text.
     void MoveFrom(VALUE& other);
+    // this + right, into this cell: a string grows in place where its text
+    // allows, so that building a text costs linear time.
+    VALUE& operator+=(const VALUE& right);
 
     int type;
     union {
@@ -55,4 +66,5 @@ public:
 
 private:
     void Release();
+    VALUE& AssignOther(const VALUE& other);
 };

@@ -6,34 +6,45 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
+#include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QStatusBar>
-#include <QTextEdit>
+#include <QPlainTextEdit>
 #include <QTimer>
+#include <utility>
 
+#include "qelkern-qt/qtappearance.h"
 #include "qelkern-qt/qtrichedit.h"
 #include "qelkern-qt/qtuserinterface.h"
+#include "find_dialog.h"
 #include "script_files.h"
 
 namespace {
 constexpr int editorId = 1000;
 const char scriptFilter[] = "Scripte (*.qel)|*.qel||";
 
-CString FileName(const QString& path) { return CString(QFile::encodeName(path).toStdString()); }
 QString PathOf(const CString& fileName) { return QFile::decodeName(fileName.str().c_str()); }
 
+CString FileName(const QString& path) { return CString(QFile::encodeName(path).toStdString()); }
 QString DirectoryOf(const QString& path) { return QFileInfo(path).absolutePath(); }
 }  // namespace
 
 CQelEditWindow::CQelEditWindow(QWidget* parent) : QMainWindow(parent) {
     editor.Create(WS_CHILD | WS_VISIBLE | WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL, CRect(), nullptr, editorId);
-    auto* widget = dynamic_cast<CQtRichEditWidget*>(editor.GetWidget());
+    widget = dynamic_cast<CQtRichEditWidget*>(editor.GetWidget());
     if (!widget) {
         widget = new CQtRichEditWidget();
         editor.Attach(widget, true);
     }
     setCentralWidget(widget->GetTextEdit());
+    widget->ShowLineNumbers(true);
+    widget->SetAutoIndent(true);
+    widget->SetRejectedCharacterHandler([this](QChar character) { CharacterRejected(character); });
+    findDialog = new CFindDialog(this);
+    findDialog->onFindNext = [this] { FindNextMatch(); };
+    findDialog->onReplace = [this] { ReplaceOne(); };
+    findDialog->onReplaceAll = [this] { ReplaceEvery(); };
 
     runStatus = new QLabel(QStringLiteral("Noch kein Lauf"), this);
     preludeStatus = new QLabel(this);
@@ -45,11 +56,12 @@ CQelEditWindow::CQelEditWindow(QWidget* parent) : QMainWindow(parent) {
     modifiedCheck = new QTimer(this);
     modifiedCheck->setSingleShot(true);
     modifiedCheck->setInterval(0);
-    connect(modifiedCheck, &QTimer::timeout, this, [this] { UpdateTitle(); });
+    connect(modifiedCheck, &QTimer::timeout, this, [this] { TextChanged(); });
     connect(widget->GetTextEdit()->document(), &QTextDocument::contentsChanged, modifiedCheck,
             qOverload<>(&QTimer::start));
 
     BuildMenus();
+    UseColoursOfPalette();
     SetPreludeDirectory(QDir::currentPath(), false);
     resize(960, 720);
     UpdateTitle();
@@ -57,39 +69,14 @@ CQelEditWindow::CQelEditWindow(QWidget* parent) : QMainWindow(parent) {
 
 CQelEditWindow::~CQelEditWindow() = default;
 
-void CQelEditWindow::BuildMenus() {
-    QMenu* file = menuBar()->addMenu(QStringLiteral("&Datei"));
-    file->addAction(QStringLiteral("&Neu"), QKeySequence::New, this, [this] { NewFile(); });
-    file->addAction(QStringLiteral("Ö&ffnen …"), QKeySequence::Open, this, [this] { OpenByDialog(); });
-    file->addAction(QStringLiteral("&Speichern"), QKeySequence::Save, this, [this] { Save(); });
-    file->addAction(QStringLiteral("Speichern &unter …"), QKeySequence::SaveAs, this, [this] { SaveAs(); });
-    file->addSeparator();
-    file->addAction(QStringLiteral("&Drucken …"), QKeySequence::Print, this, [this] { editor.Drucken(); });
-    file->addSeparator();
-    file->addAction(QStringLiteral("&Beenden"), QKeySequence::Quit, this, [this] { close(); });
-
-    QMenu* edit = menuBar()->addMenu(QStringLiteral("&Bearbeiten"));
-    edit->addAction(QStringLiteral("&Rückgängig"), this, [this] { editor.Undo(); });
-    edit->addSeparator();
-    edit->addAction(QStringLiteral("&Ausschneiden"), this, [this] { editor.Cut(); });
-    edit->addAction(QStringLiteral("&Kopieren"), this, [this] { editor.Copy(); });
-    edit->addAction(QStringLiteral("&Einfügen"), this, [this] { editor.Paste(); });
-    edit->addSeparator();
-    edit->addAction(QStringLiteral("Alles &markieren"), this, [this] { editor.SetSel(0, -1); });
-
-    QMenu* script = menuBar()->addMenu(QStringLiteral("&Script"));
-    script->addAction(QStringLiteral("Ü&bersetzen"), QKeySequence(Qt::Key_F7), this, [this] { CompileText(); });
-    script->addAction(QStringLiteral("&Ausführen"), QKeySequence(Qt::Key_F5), this, [this] { RunText(); });
-    script->addSeparator();
-    script->addAction(QStringLiteral("&Vorspann-Ordner …"), this, [this] { ChoosePreludeDirectory(); });
-}
-
 // --- files ---------------------------------------------------------------------
 
+// The status bar belongs to the file shown: a new one starts without a run.
 void CQelEditWindow::LoadText(const CString& latin1, const QString& path) {
     editor.SetWindowText(latin1);
     savedText = ScriptTextOf(editor);
     filePath = path;
+    ResetRunStatus();
     if (!preludeChosen && !path.isEmpty()) SetPreludeDirectory(DirectoryOf(path), false);
     UpdateTitle();
 }
@@ -98,6 +85,7 @@ bool CQelEditWindow::OpenFile(const QString& path) {
     CString text;
     if (!ReadScriptFile(path, text)) return false;
     LoadText(text, QFileInfo(path).absoluteFilePath());
+    RememberFile(filePath);
     return true;
 }
 
@@ -105,15 +93,19 @@ void CQelEditWindow::StartNewFile(const QString& path) {
     LoadText(CString(), path.isEmpty() ? QString() : QFileInfo(path).absoluteFilePath());
 }
 
+// The file ends with a line feed, as text files on this system do.
 bool CQelEditWindow::SaveTo(const QString& path) {
     const CString text = ScriptTextOf(editor);
-    if (!WriteScriptFile(path, text)) {
+    CString fileText = text;
+    if (!fileText.IsEmpty() && fileText[fileText.GetLength() - 1] != '\n') fileText += "\n";
+    if (!WriteScriptFile(path, fileText)) {
         GetUserInterface().ShowMessage(FromQString(QStringLiteral("Die Datei %1 kann nicht geschrieben werden.").arg(path)),
                                        "qel-edit", CUserInterface::IconError);
         return false;
     }
     savedText = text;
     filePath = QFileInfo(path).absoluteFilePath();
+    RememberFile(filePath);
     if (!preludeChosen) SetPreludeDirectory(DirectoryOf(filePath), false);
     UpdateTitle();
     return true;
@@ -143,7 +135,10 @@ bool CQelEditWindow::SaveAs() {
     return SaveTo(PathOf(chosen));
 }
 
-bool CQelEditWindow::IsModified() const { return ScriptTextOf(editor) != savedText; }
+// Most edits change the length, which is known without reading the text.
+bool CQelEditWindow::IsModified() const {
+    return editor.GetTextLength() != savedText.GetLength() || ScriptTextOf(editor) != savedText;
+}
 
 bool CQelEditWindow::ConfirmDiscard() {
     if (!IsModified()) return true;
@@ -156,6 +151,11 @@ bool CQelEditWindow::ConfirmDiscard() {
 }
 
 void CQelEditWindow::closeEvent(QCloseEvent* event) {
+    if (session.IsRunning()) {
+        AskToStopForClosing();
+        event->ignore();
+        return;
+    }
     if (ConfirmDiscard())
         event->accept();
     else
@@ -185,7 +185,12 @@ void CQelEditWindow::ChoosePreludeDirectory() {
 
 // The word lists of the editors are the process's; they are learnt anew when
 // the prelude changes, so the names of the prelude in force are coloured.
+// The engine compiles one thing at a time: during a run they wait for it.
 void CQelEditWindow::LearnWords() {
+    if (session.IsRunning()) {
+        learnAfterRun = true;
+        return;
+    }
     const QString prelude = PreludePath(preludeDirectory);
     if (prelude == learntPrelude) return;
     szKeywords.Empty();
@@ -196,24 +201,45 @@ void CQelEditWindow::LearnWords() {
     learntPrelude = prelude;
 }
 
-int CQelEditWindow::CompileText() {
-    const int result = CompileScript(preludeDirectory, ScriptTextOf(editor), false);
-    ShowLastRun(QStringLiteral("Übersetzen"), result, false);
-    return result;
-}
-
-int CQelEditWindow::RunText() {
-    _VarSuccess = 0;
-    const int result = CompileScript(preludeDirectory, ScriptTextOf(editor), true);
-    ShowLastRun(QStringLiteral("Ausführen"), result, true);
-    return result;
-}
-
-void CQelEditWindow::ShowLastRun(const QString& command, int result, bool withSuccessCode) {
-    QString text = QStringLiteral("%1: Ergebnis %2").arg(command).arg(result);
-    if (withSuccessCode) text += QStringLiteral(", Erfolgscode %1").arg(_VarSuccess);
-    runStatus->setText(text);
-    runStatus->setStyleSheet(result == 1 ? QString() : QStringLiteral("color: #c00000;"));
+// Colouring changes formats only: the widget's revision tells a change of
+// the text, so the whole text is not read for every repaint of colours.
+void CQelEditWindow::TextChanged() {
+    const unsigned revision = widget->TextRevision();
+    if (revision == checkedRevision) return;
+    checkedRevision = revision;
+    if (errorMarked && revision != revisionAtError) ClearErrorMark();
+    setWindowModified(IsModified());
 }
 
 QString CQelEditWindow::LastRunText() const { return runStatus->text(); }
+
+void CQelEditWindow::ResetRunStatus() {
+    runStatus->setText(QStringLiteral("Noch kein Lauf"));
+    runStatus->setStyleSheet(QString());
+}
+
+void CQelEditWindow::RememberFile(const QString& path) {
+    recentFiles.Add(path);
+    FillRecentFilesMenu();
+}
+
+QString CQelEditWindow::StatusMessage() const { return statusBar()->currentMessage(); }
+
+void CQelEditWindow::CharacterRejected(QChar character) {
+    GetUserInterface().Beep();
+    statusBar()->showMessage(
+        QStringLiteral("Das Zeichen „%1“ kann nicht eingegeben werden: Scripte kennen nur die Zeichen von Latin-1.")
+            .arg(character),
+        8000);
+}
+
+// --- look ------------------------------------------------------------------------
+
+void CQelEditWindow::UseColoursOfPalette() {
+    widget->SetDisplayColours(IsDarkPalette(palette()) ? DarkDisplayColours(editor, palette()) : QHash<QRgb, QColor>());
+}
+
+void CQelEditWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) UseColoursOfPalette();
+}

@@ -5,9 +5,16 @@
 #include <QMainWindow>
 
 #include "qelkern/qelkern.h"
+#include "recent_files.h"
+#include "recovery.h"
+#include "script_session.h"
 
 class QLabel;
 class QTimer;
+class QMenu;
+class QAction;
+class CQtRichEditWidget;
+class CFindDialog;
 
 class CQelEditWindow : public QMainWindow {
 public:
@@ -22,21 +29,47 @@ public:
     // 1 or 0, as the engine answers; the status bar shows it.
     int CompileText();
     int RunText();
+    // Ends the running script; the status says so.
+    void StopRun();
+    bool IsRunning() const { return session.IsRunning(); }
+    // Offers back the newest work that a run left unsaved when the editor
+    // went down; true if it was taken.
+    bool OfferRecovery();
     // The directory whose "extern.qel" goes in front of the script. Until one
     // is chosen, it follows the directory of the script file.
     void SetPreludeDirectory(const QString& directory, bool chosen);
 
+    // Puts the caret at the start of a line (from 1) and shows it.
+    void GoToLine(int line);
+    void AskForLine();
+    void ShowFind(bool replace);
+    void FindNextMatch();
+    void Zoom(int steps);  // 0: back to the normal size
+
     CTWScriptEdit& Editor() { return editor; }
+    CQtRichEditWidget* Widget() const { return widget; }
+    CFindDialog* FindDialog() const { return findDialog; }
     QString FilePath() const { return filePath; }
     QString PreludeDirectory() const { return preludeDirectory; }
     QString LastRunText() const;
+    QString StatusMessage() const;
     bool IsModified() const;
+    QMenu* RecentFilesMenu() const { return recentMenu; }
+    QAction* StopAction() const { return stopAction; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void BuildMenus();
+    void BuildFileMenu();
+    void BuildEditMenu();
+    void BuildViewMenu();
+    void BuildScriptMenu();
+    void FillRecentFilesMenu();
+    void OpenRecent(const QString& path);
+    void RememberFile(const QString& path);
     void NewFile();
     void OpenByDialog();
     bool Save();
@@ -46,15 +79,40 @@ private:
     void LoadText(const CString& latin1, const QString& path);
     void LearnWords();
     void ShowLastRun(const QString& command, int result, bool withSuccessCode);
+    void ResetRunStatus();
     void UpdateTitle();
+    void UseColoursOfPalette();
+    void CharacterRejected(QChar character);
+    void ReplaceOne();
+    void ReplaceEvery();
+    void SetRunning(bool running);
+    int RunSession(const QString& command, bool run);
+    bool AskToStopForClosing();
+    void ShowErrorSite(const QString& command, const ErrorSite& site);
+    void ClearErrorMark();
+    void TextChanged();
 
     CTWScriptEdit editor;
+    CQtRichEditWidget* widget = nullptr;
+    CFindDialog* findDialog = nullptr;
+    QMenu* recentMenu = nullptr;
+    QAction* stopAction = nullptr;
+    QList<QAction*> idleOnly;  // commands that wait while a script runs
+    CScriptSession session;
+    CRecovery recovery{CRecovery::DefaultDirectory()};
+    bool closeAfterRun = false;
+    bool learnAfterRun = false;
+    bool errorMarked = false;
+    unsigned revisionAtError = 0;
+    unsigned checkedRevision = 0;
     QLabel* runStatus = nullptr;
     QLabel* preludeStatus = nullptr;
     QTimer* modifiedCheck = nullptr;
+    CRecentFiles recentFiles;
     QString filePath;
     QString preludeDirectory;
     QString learntPrelude;
     bool preludeChosen = false;
+    int zoomSteps = 0;
     CString savedText;
 };

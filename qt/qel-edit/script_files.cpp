@@ -17,15 +17,12 @@ CString DirectoryWithSlash(const QString& directory) {
 }
 }  // namespace
 
-// The engine's reader ends every line with '\n', also a last line that had
-// none in the file; the editor shows the file as it is.
+// The engine's reader ends every line with '\n'; the editor shows no empty
+// line for the end of the last one (saving puts it back).
 bool ReadScriptFile(const QString& path, CString& latin1) {
     CString text;
     if (!LeseTextAusDatei(FileName(path), text)) return false;
-    QFile file(path);
-    char last = '\n';
-    if (file.open(QIODevice::ReadOnly) && file.size() > 0 && file.seek(file.size() - 1)) file.getChar(&last);
-    if (last != '\n' && text.GetLength() > 0 && text[text.GetLength() - 1] == '\n') text.Delete(text.GetLength() - 1);
+    if (text.GetLength() > 0 && text[text.GetLength() - 1] == '\n') text.Delete(text.GetLength() - 1);
     latin1 = text;
     return true;
 }
@@ -49,7 +46,7 @@ CString ScriptTextOf(const CRichEditCtrl& editor) {
 }
 
 int CompileScript(const QString& preludeDirectory, const CString& text, bool run) {
-    std::vector<char> buffer(text.str().begin(), text.str().end());
+    std::vector<char> buffer(text.view().begin(), text.view().end());
     buffer.push_back('\0');
     try {
         return RunScript(DirectoryWithSlash(preludeDirectory), buffer.data(), text.GetLength(), true, run);

@@ -1,5 +1,9 @@
 #include "gui_test_support.h"
 
+#include <QPlainTextEdit>
+#include <QTextBlock>
+#include <QTextLayout>
+
 #include <QApplication>
 #include <QTest>
 #include <QWidget>
@@ -48,4 +52,12 @@ CharStyle StyleAt(CRichEditCtrl& control, int position) {
     CHARFORMAT cf;
     control.GetSelectionCharFormat(cf);
     return {cf.crTextColor, (cf.dwEffects & CFE_BOLD) != 0};
+}
+
+QTextCharFormat PaintedFormat(const QPlainTextEdit* view, int position) {
+    const QTextBlock block = view->document()->findBlock(position);
+    const int column = position - block.position();
+    for (const QTextLayout::FormatRange& range : block.layout()->formats())
+        if (column >= range.start && column < range.start + range.length) return range.format;
+    return QTextCharFormat();
 }

@@ -11,6 +11,8 @@
 #include "qelkern/qelkern.h"
 
 class QWidget;
+class QPlainTextEdit;
+#include <QTextCharFormat>
 
 // Calls `handle` once for each modal window that opens while it lives; the
 // handler looks at the window and closes it.
@@ -49,3 +51,6 @@ struct CharStyle {
     bool bold;
 };
 CharStyle StyleAt(CRichEditCtrl& control, int position);
+
+// The format that Qt paints a character of a view in.
+QTextCharFormat PaintedFormat(const QPlainTextEdit* view, int position);

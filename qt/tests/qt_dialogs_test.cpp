@@ -13,7 +13,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
-#include <QTextEdit>
+#include <QPlainTextEdit>
 
 #include "gui_test_support.h"
 #include "qelkern-qt/qtdialogs.h"
@@ -26,15 +26,13 @@ const char markedText[] =
     "<!>!!!!!!!Unbekannter Bezeichner\r\n"
     "END.\r\n";
 
-QTextEdit* EditorOf(QWidget* window) {
+QPlainTextEdit* EditorOf(QWidget* window) {
     auto* dialog = qobject_cast<CQtResourceDialog*>(window);
-    return dialog ? qobject_cast<QTextEdit*>(dialog->Item(IDC_TEXTDIALOG_EDIT)) : nullptr;
+    return dialog ? qobject_cast<QPlainTextEdit*>(dialog->Item(IDC_TEXTDIALOG_EDIT)) : nullptr;
 }
 
-QTextCharFormat FormatAt(const QTextEdit* editor, int block, int column) {
-    QTextCursor cursor(editor->document()->findBlockByNumber(block));
-    cursor.setPosition(cursor.position() + column + 1);
-    return cursor.charFormat();
+QTextCharFormat FormatAt(const QPlainTextEdit* editor, int block, int column) {
+    return PaintedFormat(editor, editor->document()->findBlockByNumber(block).position() + column);
 }
 
 bool IsErrorStyle(const QTextCharFormat& format) {
@@ -62,7 +60,7 @@ private slots:
         QCOMPARE(window->windowTitle(), QStringLiteral("Fehler Parser"));
         QVERIFY(window->windowState() & Qt::WindowMaximized);
 
-        QTextEdit* editor = EditorOf(window);
+        QPlainTextEdit* editor = EditorOf(window);
         QVERIFY(editor);
         QVERIFY(editor->isReadOnly());
         const QTextCursor caret = editor->textCursor();
@@ -111,7 +109,7 @@ private slots:
     void errorDialogClosesFromTheKeyboard() {
         for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
             ModalHandler handler([key](QWidget* window) {
-                QTextEdit* editor = EditorOf(window);
+                QPlainTextEdit* editor = EditorOf(window);
                 QVERIFY(editor);
                 QTest::keyClick(editor, Qt::Key_Down);  // the caret moves in read-only text
                 QTest::keyClick(editor, key);
@@ -151,7 +149,7 @@ private slots:
                 return;
             }
             title = window->windowTitle();
-            QTextEdit* editor = EditorOf(window);
+            QPlainTextEdit* editor = EditorOf(window);
             QVERIFY(editor);
             for (QTextBlock block = editor->document()->begin(); block.isValid(); block = block.next())
                 if (block.text() == u"  x := 1") errorBlock = block.blockNumber();

@@ -9,7 +9,7 @@
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTextEdit>
+#include <QPlainTextEdit>
 #include <QVBoxLayout>
 
 #include "gui_test_support.h"
@@ -28,7 +28,7 @@ struct ScriptEditor {
     QLineEdit other;
     CTWScriptEdit edit;
     CQtRichEditWidget* widget = nullptr;
-    QTextEdit* view = nullptr;
+    QPlainTextEdit* view = nullptr;
 
     ScriptEditor() {
         edit.Create();
@@ -128,13 +128,12 @@ private slots:
         QCOMPARE(plain.colour, black);
         QVERIFY(!plain.bold);
 
-        // The formats are those of the document that Qt paints.
-        QTextCursor cursor(e.view->document());
-        cursor.setPosition(e.Find("VAR") + 1);
-        QCOMPARE(cursor.charFormat().foreground().color(), QColor(0, 0, 255));
-        QCOMPARE(cursor.charFormat().property(QTextFormat::FontFamilies).toStringList(),
-                 QStringList{QStringLiteral("Courier New")});
-        QCOMPARE(cursor.charFormat().fontPointSize(), 10.0);
+        // Qt paints the formats that the control reports.
+        const QTextCharFormat painted = PaintedFormat(e.view, e.Find("VAR") + 1);
+        QCOMPARE(painted.foreground().color(), QColor(0, 0, 255));
+        QCOMPARE(painted.property(QTextFormat::FontFamilies).toStringList(), QStringList{QStringLiteral("Courier New")});
+        QCOMPARE(painted.fontPointSize(), 10.0);
+        QCOMPARE(PaintedFormat(e.view, e.Find("MeldungInt") + 2).fontWeight(), static_cast<int>(QFont::Bold));
     }
 
     void caseRewriteAndTabLeaveNoUndoStep() {
@@ -316,7 +315,7 @@ private slots:
         control.SetSelectionCharFormat(guard);
         QVERIFY(control.notices.empty());
 
-        QTextEdit* view = dynamic_cast<CQtRichEditWidget*>(control.GetWidget())->GetTextEdit();
+        QPlainTextEdit* view = dynamic_cast<CQtRichEditWidget*>(control.GetWidget())->GetTextEdit();
         control.SetSel(2, 2);
         QTest::keyClicks(view, QStringLiteral("x"));
         QTest::keyClick(view, Qt::Key_Backspace);
@@ -342,7 +341,7 @@ private slots:
         control.SetEventMask(ENM_CHANGE | ENM_SELCHANGE);
         control.SetWindowText("abc");
         QCOMPARE(control.log, (QStringList{QStringLiteral("change"), QStringLiteral("sel 0-0")}));
-        QTextEdit* view = dynamic_cast<CQtRichEditWidget*>(control.GetWidget())->GetTextEdit();
+        QPlainTextEdit* view = dynamic_cast<CQtRichEditWidget*>(control.GetWidget())->GetTextEdit();
         control.log.clear();
         QTest::keyClicks(view, QStringLiteral("x"));
         QTest::keyClick(view, Qt::Key_Right, Qt::ShiftModifier);

@@ -5,12 +5,13 @@
 #include <QDir>
 #include <QImage>
 #include <QTest>
-#include <QTextEdit>
+#include <QPlainTextEdit>
 
 #include "edit_window.h"
 #include "gui_test_support.h"
 #include "qel_environment.h"
 #include "qelkern-qt/qtdialogs.h"
+#include "qelkern-qt/qtrichedit.h"
 
 namespace {
 // Pixels close to a colour; glyph edges are blended, stems are not.
@@ -82,7 +83,7 @@ private slots:
             dialog->setWindowState(Qt::WindowNoState);
             dialog->resize(860, 520);
             QTest::qWait(50);
-            qobject_cast<QTextEdit*>(dialog->Item(IDC_TEXTDIALOG_EDIT))->ensureCursorVisible();
+            qobject_cast<QPlainTextEdit*>(dialog->Item(IDC_TEXTDIALOG_EDIT))->ensureCursorVisible();
             shot = dialog->grab().toImage();
             dialog->accept();
         });
@@ -91,6 +92,65 @@ private slots:
         QVERIFY(!SaveShot(shot, QStringLiteral("error-dialog.png")).isEmpty());
         QVERIFY(PixelsNear(shot, QColor(255, 0, 0)) > 50);  // the marker line
         QVERIFY(PixelsNear(shot, QColor(0, 0, 255)) > 50);
+    }
+
+    // The second colour set on a dark palette.
+    void editorOnADarkPalette() {
+        QPalette dark(QColor(0x35, 0x35, 0x35));
+        dark.setColor(QPalette::Base, QColor(0x1E, 0x1E, 0x1E));
+        dark.setColor(QPalette::Text, QColor(0xD4, 0xD4, 0xD4));
+        dark.setColor(QPalette::AlternateBase, QColor(0x2A, 0x2A, 0x2A));
+        CQelEditWindow window;
+        window.setPalette(dark);
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/loops.qel")));
+        window.resize(900, 420);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        const QImage shot = window.grab().toImage();
+        QVERIFY(!SaveShot(shot, QStringLiteral("editor-dark.png")).isEmpty());
+        QVERIFY(PixelsNear(shot, QColor(0x6C, 0xB4, 0xFF)) > 50);  // keywords
+        QVERIFY(PixelsNear(shot, QColor(0, 0, 255)) < 5);          // not the light set's blue
+    }
+
+    // Line numbers and the marked line of a compile error.
+    void editorWithAMarkedErrorLine() {
+        CQelEditWindow window;
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/hello.qel")));
+        CString text = window.Editor().GetTextRange(0, static_cast<int>(window.Editor().GetTextLength()));
+        text.Replace("summe := summe + i", "summe := summe + j");
+        window.Editor().SetWindowText(text);
+        window.resize(900, 420);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        {
+            ModalHandler boxes([](QWidget* modal) { qobject_cast<QDialog*>(modal)->accept(); });
+            QCOMPARE(window.CompileText(), 0);
+        }
+        QCoreApplication::processEvents();
+        const QImage shot = window.grab().toImage();
+        QVERIFY(!SaveShot(shot, QStringLiteral("editor-error.png")).isEmpty());
+        const QImage gutter = window.Widget()->LineNumberGutter()->grab().toImage();
+        QVERIFY(PixelsNear(gutter, QColor(200, 0, 0)) > 10);  // the cross of the error mark
+    }
+
+    // A script that runs on: the window still paints, Stoppen is there.
+    void editorDuringARun() {
+        CQelEditWindow window;
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/loops.qel")));
+        window.Editor().SetWindowText("VAR i : INTEGER;\r(* Läuft, bis jemand Stoppen drückt. *)\rBEGIN\r"
+                                      "  LOOP\r    i := i + 1\r  END\rEND.");
+        window.resize(900, 360);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QImage shot;
+        QTimer::singleShot(300, &window, [&] {
+            shot = window.grab().toImage();
+            window.StopRun();
+        });
+        QCOMPARE(window.RunText(), 0);
+        QVERIFY(!shot.isNull());
+        QVERIFY(!SaveShot(shot, QStringLiteral("editor-running.png")).isEmpty());
+        QVERIFY(PixelsNear(shot, QColor(0, 0, 255)) > 20);  // painted while running
     }
 
 private:

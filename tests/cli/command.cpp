@@ -75,7 +75,7 @@ std::string NumberEntryLine(const char* mode, const char* prompt, const char* an
            Utf8(prompt) + R"(","answer":)" + answer + "}";
 }
 
-std::string ResultLine(int result, int success) {
+std::string ResultLine(int result, int success, const char* stage) {
     return R"({"event":"result","result":)" + std::to_string(result) + R"(,"success":)" +
-           std::to_string(success) + "}";
+           std::to_string(success) + (stage ? R"(,"stage":")" + std::string(stage) + "\"" : "") + "}";
 }

@@ -29,4 +29,5 @@ std::string ExamplesDir();  // with its closing '/'
 // hold no character that JSON escapes.
 std::string MessageLine(const char* caption, const char* text, const char* icon = "error");
 std::string NumberEntryLine(const char* mode, const char* prompt, const char* answer);
-std::string ResultLine(int result, int success);
+// `stage`: of a failed run, "compile" or "run".
+std::string ResultLine(int result, int success, const char* stage = nullptr);

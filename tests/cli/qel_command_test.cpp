@@ -44,6 +44,14 @@ TEST(QelCommand, HelpAndUsageErrors) {
         {{"-e", "BEGIN END.", dir + "x.qel"}, "not both"},
         {{"--quiet=ja", "-e", "BEGIN END."}, "--quiet"},
         {{"--ui", "json", dir + "fehlt.qel"}, "cannot read"},
+        {{"--listing", dir + "fehlt/code.asm", "-e", "BEGIN END."}, "cannot write listing"},
+        {{"--prelude-dir", dir + "fehlt", "-e", "BEGIN END."}, "prelude directory"},
+        {{"--listing-lines", "-e", "BEGIN END."}, "needs --listing"},
+        {{"--max-steps", "0", "-e", "BEGIN END."}, "--max-steps needs a whole number"},
+        {{"--max-steps=12x", "-e", "BEGIN END."}, "not '12x'"},
+        {{"--timeout", "-1", "-e", "BEGIN END."}, "--timeout needs"},
+        {{"--timeout", "0", "-e", "BEGIN END."}, "--timeout needs"},
+        {{"--max-memory", "99999999999999999999", "-e", "BEGIN END."}, "--max-memory needs"},
     };
     for (const auto& [args, says] : cases) {
         const CommandResult run = RunQel(args);
@@ -65,33 +73,67 @@ TEST(QelCommand, JsonWritesMessagesInUtf8ThenTheResult) {
     const CommandResult console = RunQel({"--prelude-dir", ExamplesDir(), "-e",
                                           Utf8("BEGIN ErrorMsg(\"Titel\", \"Grüße\") END.")});
     EXPECT_EQ(console.exitCode, 0) << console.err;
-    EXPECT_EQ(console.out, Utf8("== Fehler == Titel\nGrüße\n\n"));
+    EXPECT_EQ(console.out, Utf8("== Titel ==\nGrüße\n\n"));
 }
 
-TEST(QelCommand, CompileAndRunTimeErrorsExitWithOne) {
+// The dialog and the boxes stay as they were; the place of the error comes
+// beside them, counted from 1 in the user's own file, on stderr and in JSON.
+TEST(QelCommand, ErrorsExitWithOneAndNameTheirPlace) {
     const CommandResult compile = Json("BEGIN\n  x := 1\nEND.", EmptyDir());
     EXPECT_EQ(compile.exitCode, 1);
     EXPECT_EQ(compile.OutLines(),
               (Lines{R"({"event":"text-dialog","title":"Fehler Parser","text":"BEGIN\n  x := 1\n)"
-                     R"(<!>!Dieser Bezeichner ist nicht vereinbart.\r\nEND.","line":1,"column":46})",
-                     MessageLine("", "Fehler im Parser"), ResultLine(0, 0)}));
-    const CommandResult run = Json("VAR a : INTEGER; BEGIN a := 0; a := 1 / a END.", EmptyDir());
+                     R"(<!>!Dieser Bezeichner ist nicht vereinbart.\r\nEND.","line":1,"column":46,)"
+                     R"("file":"<-e>","script_line":2,"script_column":3,)"
+                     R"("message":"Dieser Bezeichner ist nicht vereinbart."})",
+                     MessageLine("", "Fehler im Parser"), ResultLine(0, 0, "compile")}));
+    EXPECT_EQ(compile.err, "<-e>:2:3: Fehler: Dieser Bezeichner ist nicht vereinbart.\n");
+
+    const CommandResult run = Json("VAR a : INTEGER;\nBEGIN a := 0;\n  a := 1 / a END.", EmptyDir());
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.OutLines(), (Lines{MessageLine("", "Division durch Null"), ResultLine(0, 0)}));
+    EXPECT_EQ(run.OutLines(),
+              (Lines{MessageLine("", "Division durch Null"),
+                     R"({"event":"runtime-error","file":"<-e>","script_line":3,"script_column":3,)"
+                     R"("message":"Division durch Null"})",
+                     ResultLine(0, 0, "run")}));
+    EXPECT_EQ(run.err, "<-e>:3:3: Fehler: Division durch Null\n");
+
+    // A script file behind a prelude of four lines; an error in the prelude
+    // names the prelude. Warnings and scanner errors get their lines too.
+    const std::string dir = MakeTempDir("cli-places");
+    WriteFileBytes(dir + "extern.qel", "(* eins *)\n(* zwei *)\nVAR d : DOUBLE;\nVAR i : INTEGER;\n");
+    WriteFileBytes(dir + "script.qel", "BEGIN\n  d := 1.5;\n  i := d;\n  i := 1;\n   y := 2\nEND.\n");
+    const CommandResult file = RunQel({dir + "script.qel"});
+    EXPECT_EQ(file.exitCode, 1);
+    EXPECT_EQ(file.err, Utf8(("script.qel:3:9: Warnung: Zuweisung von DOUBLE an INTEGER, Wertverlust möglich.\n" +
+                              dir + "script.qel:5:4: Fehler: Dieser Bezeichner ist nicht vereinbart.\n")
+                                 .insert(0, dir).c_str()));
+    WriteFileBytes(dir + "extern.qel", "VAR d : DOUBLE;\nVAR i : INTEGER;\nCONST b = ;\n");
+    const CommandResult prelude = RunQel({"--quiet", dir + "script.qel"});
+    EXPECT_EQ(prelude.exitCode, 1);
+    EXPECT_EQ(prelude.err, "") << "--quiet shows no compile errors, on no channel";
+    const CommandResult shown = RunQel({"--ui", "json", dir + "script.qel"});
+    EXPECT_EQ(shown.err, dir + "extern.qel:3:11: Fehler: Nach \"=\" muss eine Zahl folgen.\n");
+    const CommandResult scanner = RunQel({"-", "--prelude-dir", EmptyDir()}, "BEGIN\n  \"offen\nEND.");
+    // The open string swallows the rest, so the parser stands on it as well.
+    EXPECT_EQ(scanner.err, "<stdin>:2:3: Fehler: Ende der Zeichenkette fehlt.\n"
+                           "<stdin>:2:3: Fehler: Hier wird \";\" oder END erwartet.\n");
 }
 
 TEST(QelCommand, CompileOnlyDoesNotRunAndWritesTheListing) {
-    // From a file and from -e: the message box never comes.
+    // From a file and from -e: the message box never comes. The statement's
+    // code is marked with its place in the script, not in the joined text.
     const std::string dir = MakeTempDir("cli-compile-only");
     const char* text = "BEGIN MeldungInt(\"nie\", \"gezeigt\", 1) END.\n";
     WriteFileBytes(dir + "meldung.qel", text);
     for (const Lines& source : {Lines{dir + "meldung.qel"}, Lines{"-e", text}}) {
-        Lines args = {"--compile-only", "--listing", dir + "code.asm", "--ui", "json",
-                      "--prelude-dir", ExamplesDir()};
+        Lines args = {"--compile-only", "--listing", dir + "code.asm", "--listing-lines",
+                      "--ui", "json", "--prelude-dir", ExamplesDir()};
         args.insert(args.end(), source.begin(), source.end());
         const CommandResult run = RunQel(args);
         EXPECT_EQ(run.exitCode, 0) << run.err;
         EXPECT_EQ(run.OutLines(), Lines{ResultLine(1, 0)});
+        EXPECT_TRUE(Contains(ReadFileBytes(dir + "code.asm"), "; 1:7\n"));
         EXPECT_TRUE(Contains(ReadFileBytes(dir + "code.asm"), "EXTCALL, \"MeldungInt\""));
         WriteFileBytes(dir + "code.asm", "");
     }
@@ -134,5 +176,21 @@ TEST(QelCommand, PreludeComesFromTheScriptsDirectoryOrTheOneGiven) {
     // Without it ErrorMsg is unknown; --quiet hides the compile error.
     const CommandResult missing = RunQel({"--quiet", "--ui", "json", without + name}, "", withPrelude);
     EXPECT_EQ(missing.exitCode, 1);
-    EXPECT_EQ(missing.OutLines(), Lines{ResultLine(0, 0)});
+    EXPECT_EQ(missing.OutLines(), Lines{ResultLine(0, 0, "compile")});
+}
+
+TEST(QelCommand, LimitsStopAnEndlessLoopAtItsStatement) {
+    const std::pair<Lines, const char*> cases[] = {
+        {{"--max-steps", "5000"}, "Skript abgebrochen: Schrittgrenze erreicht."},
+        {{"--timeout=0.2"}, "Skript abgebrochen: Zeitgrenze erreicht."},
+    };
+    for (const auto& [limit, message] : cases) {
+        Lines args = {"--prelude-dir", EmptyDir(), "--ui", "json", "-e",
+                      "VAR i : INTEGER;\nBEGIN\n  LOOP\n    i := i + 1\n  END\nEND."};
+        args.insert(args.begin(), limit.begin(), limit.end());
+        const CommandResult run = RunQel(args);
+        EXPECT_EQ(run.exitCode, 1) << message;
+        EXPECT_EQ(run.err, std::string("<-e>:4:5: Fehler: ") + message + "\n");
+        EXPECT_EQ(run.OutLines().back(), ResultLine(0, 0, "run"));
+    }
 }

@@ -66,6 +66,7 @@ TEST(Value, Arithmetic) {
     const std::pair<VALUE, const char*> cases[] = {
         // + makes a string when either side is one, else follows the widest operand.
         {I(1) + S("a"), "string 1a"}, {D(1.5) + S("a"), "string 1.500000a"}, {S("a") + I(2), "string a2"},
+        {S("") + I(INT_MIN), "string -2147483648"}, {I(-40) + S(""), "string -40"},
         {I(1) + D(0.5), "double 1.5"},
         // Integers wrap around; nothing traps.
         {I(INT_MAX) + I(1), "int -2147483648"}, {I(INT_MIN) - I(1), "int 2147483647"},
@@ -110,6 +111,15 @@ TEST(Value, EveryCopyOwnsItsText) {
     *assigned.stringValue = "drei";
     original = original;
     EXPECT_EQ(Text(original), "eins");
+    // Edits through the pointer and growth in place stay in their cell.
+    VALUE grown(original);
+    grown += S("!");
+    grown.stringValue->SetAt(0, 'E');
+    VALUE sum = original + I(3);
+    sum += sum;
+    EXPECT_EQ(Text(original), "eins");
+    EXPECT_EQ(Text(grown), "Eins!");
+    EXPECT_EQ(Text(sum), "eins3eins3");
     original = 5;
     EXPECT_EQ(Text(copy), "zwei");
 

@@ -109,11 +109,14 @@ protected:
     std::FILE* in = nullptr;
 };
 
-TEST_F(ConsoleUiTest, MessageBoxIsABlockWithIconWordAndCaptionInUtf8) {
+// A caption heads the block alone: a greeting shown with the error icon is no error.
+TEST_F(ConsoleUiTest, MessageBoxIsABlockUnderItsCaptionOrIconWordInUtf8) {
     CConsoleUserInterface ui(out, in);
     ui.ShowMessage("Stack\xFC" "berlauf.", "", CUserInterface::IconError);
     ui.ShowMessage("B 7", "A", CUserInterface::IconInformation);
-    EXPECT_EQ(Output(), "== Fehler ==\nStack\xC3\xBC" "berlauf.\n\n== Hinweis == A\nB 7\n\n");
+    ui.ShowMessage("Summe 55", "Hallo, Welt", CUserInterface::IconError);
+    EXPECT_EQ(Output(), "== Fehler ==\nStack\xC3\xBC" "berlauf.\n\n== A ==\nB 7\n\n"
+                        "== Hallo, Welt ==\nSumme 55\n\n");
 }
 
 TEST_F(ConsoleUiTest, TextDialogShowsTheLinesAroundTheMarker) {

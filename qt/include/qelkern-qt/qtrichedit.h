@@ -1,4 +1,4 @@
-// The native widget of the rich edit control on a Qt QTextEdit.
+// The native widget of the rich edit control on a Qt QPlainTextEdit.
 //
 // The control (CRichEditCtrl and its derived CTWScriptEdit) talks to this
 // widget only through CRichEditWidget; the user's keys, clicks, drops and
@@ -6,21 +6,40 @@
 // the desktop framework, so that a control written for that framework runs
 // unchanged on a real desktop.
 //
-// Text crosses the boundary as Latin-1 with '\r' paragraph ends. The undo
-// history is the widget's own (the document's is off): format changes are
-// never undo steps, a replacement without undo adds none, and one that changes
-// the length drops the older steps, which would no longer fit the text.
+// Text crosses the boundary as Latin-1 with '\r' paragraph ends. The formats
+// live beside the document, one small id per character, and reach the screen
+// through each block's layout, so that colouring a long script never touches
+// the document. The undo history is the widget's own (the document's is off):
+// format changes are never undo steps, a replacement without undo adds none,
+// and one that changes the length drops the older steps, which would no longer
+// fit the text.
 #pragma once
 
+#include <QColor>
+#include <QHash>
+#include <deque>
+#include <functional>
 #include <memory>
 
 #include "qelkern/richedit.h"
 
-class QTextEdit;
+class QPlainTextEdit;
 class QKeyEvent;
 class QMimeData;
 class QInputMethodEvent;
 class QPoint;
+class QWidget;
+
+// Marks a line can carry in the line-number gutter.
+enum LineMark : unsigned {
+    LineMarkError = 1,       // the line of the last compile error
+    LineMarkBreakpoint = 2,
+    LineMarkCurrent = 4,     // where a stopped script stands
+};
+
+namespace qt_richedit {
+struct UndoStep;
+}
 
 class CQtRichEditWidget : public CRichEditWidget {
 public:
@@ -32,7 +51,7 @@ public:
     // The Qt widget, to be put into a window's layout. The widget object owns
     // it; if Qt deletes it first (with its parent window), this gives null and
     // every operation below becomes a harmless no-op.
-    QTextEdit* GetTextEdit() const;
+    QPlainTextEdit* GetTextEdit() const;
 
     int GetTextLength() const override;
     CString GetTextRange(int start, int end) const override;
@@ -65,6 +84,41 @@ public:
     void SetReadOnly(bool readOnly) override;
     bool IsReadOnly() const override;
 
+    // How the text is shown, apart from its formats: the stored colours
+    // stay what GetSelectionCharFormat reports; a colour in `colours` is
+    // painted as its value instead (a dark palette's set). The zoom scales
+    // every font size of the text.
+    void SetDisplayColours(const QHash<QRgb, QColor>& colours);
+    void SetZoom(double factor);
+    double Zoom() const;
+    // The colour that a stored colour is painted in.
+    QColor DisplayColour(COLORREF stored) const;
+
+    // The line-number gutter at the left of the text, off at first. Marks
+    // stay with their line while text is inserted or removed above it; a
+    // line that is removed takes its marks along.
+    void ShowLineNumbers(bool show);
+    QWidget* LineNumberGutter() const;
+    void SetLineMark(int line, LineMark mark, bool on);
+    bool HasLineMark(int line, LineMark mark) const;
+    void ClearLineMarks(LineMark mark);
+    // Called with the line (from 0) of a click into the gutter.
+    void SetGutterClickHandler(std::function<void(int line)> handler);
+
+    // Redo of what Undo took back; any new edit drops these steps.
+    bool CanRedo() const;
+    bool Redo();
+    // Return keeps the indent (blanks and tabs) of the line it splits; off
+    // at first.
+    void SetAutoIndent(bool on);
+    // Called, instead of nothing, when the user types a character that the
+    // text cannot hold (beyond Latin-1); off at first.
+    void SetRejectedCharacterHandler(std::function<void(QChar)> handler);
+
+    // Counts the changes of the text (not of its formats): a host can tell
+    // whether the text changed since it last looked without reading it.
+    unsigned TextRevision() const;
+
     // Inspection, for hosts and tests.
     int UndoStepCount() const;
     bool IsUpdateLocked() const;
@@ -80,6 +134,7 @@ public:
     void TextComposed(const QString& text);
     void ContextMenuRequested(const QPoint& globalPosition);
     // A change that Qt made behind the widget's back (a drag out of it).
+    void FollowOutsideChange(int position, int removed, int added);
     void TextChangedOutside();
     // The user moved the caret or the selection with mouse or keys.
     void SelectionMovedByUser();
@@ -96,8 +151,11 @@ private:
     bool HandleShortcut(QKeyEvent* event);
     bool PassesToWindow(const QKeyEvent* event) const;
     void MoveCaret(UINT key, bool extend);
+    bool TakeBack(std::deque<qt_richedit::UndoStep>& from, std::deque<qt_richedit::UndoStep>& to);
+    void TypeCharacters(const QString& text);
+    QString IndentBefore(int position) const;
     void ApplyDefaultFormat();
-    void ClearColour(int start, int end);
+    void ApplyTabStops();
 
     std::unique_ptr<State> state;
 };
