@@ -7,6 +7,7 @@
 #include "language/productions.h"
 #include "machine/debug_info.h"
 #include "qelkern/machine.h"
+#include "qelkern/runcontrol.h"
 
 namespace {
 
@@ -98,6 +99,9 @@ void CParser::statements(const CWordArray& stopSymbols) {
 // odd start (a big array copied early) must not claim too much: at most
 // eightfold at once, or one instruction for every two bytes of text.
 void CParser::PlanCodeStore() {
+    // A host's memory limit charges the whole store: it grows only as needed.
+    const CRunControl* control = generator->interpreter->control;
+    if (control != nullptr && control->maxMemoryBytes > 0) return;
     const int64_t capacity = generator->interpreter->codeCapacity;
     const int64_t used = generator->cx;
     if (used + planMargin < capacity) return;

@@ -5,6 +5,7 @@
 
 #include "platform/memory_budget.h"
 #include "qelkern/machine.h"
+#include "qelkern/runcontrol.h"
 #include "pipeline/script_error.h"
 
 // Name of the listing file; empty switches the listing off.
@@ -74,14 +75,17 @@ void CGenerator::fixup(CUIntArray* list, int target) {
     if (target > highestPatchedTarget) highestPatchedTarget = target;
 }
 
-// The store at least doubles, so that filling it costs a constant per
-// instruction.
+// The store grows geometrically, so that filling it costs a constant per
+// instruction: it doubles, and under a host's memory limit, which charges
+// the whole store, by an eighth, so that little more is charged than used.
 void CGenerator::TesteCode(int n) {
     const int64_t needed = static_cast<int64_t>(cx) + n;
-    if (needed <= interpreter->codeCapacity) return;
+    const int64_t capacity = interpreter->codeCapacity;
+    if (needed <= capacity) return;
     if (needed + codeSpare > INT32_MAX) throw std::bad_alloc();
-    ReserveCode(std::max<int64_t>(2 * static_cast<int64_t>(interpreter->codeCapacity),
-                                  needed + codeSpare));
+    const CRunControl* control = interpreter->control;
+    const bool limited = control != nullptr && control->maxMemoryBytes > 0;
+    ReserveCode(std::max(limited ? capacity + capacity / 8 : 2 * capacity, needed + codeSpare));
 }
 
 // Beyond what an int counts, the store stays as it is; TesteCode tells when

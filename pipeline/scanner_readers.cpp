@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "pipeline/keywords.h"
 #include "qelkern/numbers.h"
@@ -35,20 +36,21 @@ int saturatedInteger(const char* text, const char** end) {
     return static_cast<int>(number);
 }
 
-// Puts `ch` and the run of bytes behind it that `belongs` accepts into
-// `word`, then reads the character behind the run, as GetCh would one by
-// one. No byte of a run is a line feed, so only `position` moves.
+// `ch` and the run of bytes behind it that `belongs` accepts; then reads the
+// character behind the run, as GetCh would one by one. No byte of a run is a
+// line feed, so only `position` moves.
 template <class Accepts>
-void TakeRun(CScanner& s, std::string& word, Accepts belongs) {
+std::string TakeRun(CScanner& s, Accepts belongs) {
     const int end = std::min(s.length, static_cast<int>(s.buffer.size()));
     int stop = s.index;
     if (stop >= 0)
         while (stop < end && belongs(s.buffer[static_cast<size_t>(stop)])) ++stop;
-    word.assign(1, s.ch);
+    std::string word(1, s.ch);
     if (stop > s.index) word.append(s.buffer.data() + s.index, static_cast<size_t>(stop - s.index));
     s.position += stop - s.index;
     s.index = stop;
     s.GetCh();
+    return word;
 }
 
 }  // namespace
@@ -56,9 +58,7 @@ void TakeRun(CScanner& s, std::string& word, Accepts belongs) {
 // The language's own keywords are found by BuiltInKeyword; rows that a host
 // entered behind them are searched in turn.
 void CScanner::Identifier() {
-    // One buffer per thread, so reading a word does not allocate.
-    thread_local std::string word;
-    TakeRun(*this, word, isWordByte);
+    const std::string word = TakeRun(*this, isWordByte);
     id = CString(std::string_view(word));
     sym = BuiltInKeyword(word.data(), word.size());
     if (sym != symIdent) return;
@@ -72,8 +72,7 @@ void CScanner::Identifier() {
 
 void CScanner::Number() {
     sym = symNumber;
-    std::string text;
-    TakeRun(*this, text, isNumberByte);
+    const std::string text = TakeRun(*this, isNumberByte);
     const char* start = text.c_str();
     const char* end = start;
     if (text.find('.') != std::string::npos) {

@@ -113,14 +113,14 @@ public:
     void TesteCode(int n);
     void err(CString text);
     void DebugFlushToFile();
+    // Grows the code store to hold `capacity` instructions, if it holds fewer.
+    void ReserveCode(int64_t capacity);
     // The table from code address to source place, filled while compiling and
     // read only after a run: the code of a statement starts here, at
     // `line` and `position` of the joined text as the scanner counts them.
     void MarkSource(int line, int position);
     // The place of the statement whose code holds `address`; false: unknown.
     bool SourceOf(int address, int& line, int& position) const;
-    // Grows the code store to hold `capacity` instructions, if it holds fewer.
-    void ReserveCode(int64_t capacity);
 
     int failed = 0;
     int cx = 0;
