@@ -18,17 +18,6 @@ std::string ShellQuote(const std::string& word) {
     return quoted + "'";
 }
 
-// The address sanitizer notes once per process that the compiler's own stack
-// is entered by swapcontext; that note is not the program's output.
-std::string WithoutSanitizerNotes(const std::string& text) {
-    std::istringstream stream(text);
-    std::string kept;
-    for (std::string line; std::getline(stream, line);)
-        if (line.find("ASan doesn't fully support makecontext/swapcontext") == std::string::npos)
-            kept += line + "\n";
-    return kept;
-}
-
 std::string ScratchDir() {
     static const std::string dir = MakeTempDir("cli-command");
     return dir;
@@ -63,7 +52,7 @@ CommandResult RunCommand(const std::string& program, const std::vector<std::stri
     while ((count = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) result.out.append(buffer, count);
     const int status = pclose(pipe);
     if (status != -1 && WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
-    result.err = WithoutSanitizerNotes(ReadFileBytes(errFile));
+    result.err = ReadFileBytes(errFile);
     return result;
 }
 
