@@ -6,40 +6,11 @@
 #include <string>
 
 #include "qelkern/qelkern.h"
+#include "bench/editor_script.h"
 
 namespace {
-const char* const scriptLines[] = {
-    "PROCEDURE Schritt%d(VAR wert : INTEGER; faktor : DOUBLE);",
-    "VAR i : INTEGER; text : STRING;",
-    "BEGIN",
-    "  (* Zähler und Text (* verschachtelt *) *)",
-    "  FOR i := 1 TO 10 DO",
-    "    wert := wert + i * 3,14 - 2.5e3;",
-    "    text := \"Zeile \" + IntToStr(i);",
-    "    IF wert > 100 THEN BREAK ELSIF wert < 0 THEN wert := 0 END",
-    "  END;",
-    "END;",
-};
-
-std::string Script(int lines) {
-    std::string text;
-    char line[128];
-    for (int i = 0; i < lines; ++i) {
-        std::snprintf(line, sizeof line, scriptLines[i % 10], i);
-        text += line;
-        text += '\r';
-    }
-    return text;
-}
-
-// The language's keywords, as InitTWScriptEdit gives them to an editor.
-CString LanguageKeywords() {
-    std::string dot = ".";
-    CScanner table(dot.data(), 1);
-    CString words;
-    for (int i = 0; i < table.keywordCount; ++i) words += " " + table.keywords[i].name + " ";
-    return words;
-}
+using bench::EditorScript;
+using bench::LanguageKeywords;
 
 struct BenchEditor {
     CTWScriptEdit edit;
@@ -53,7 +24,7 @@ struct BenchEditor {
         edit.AddKeywords(LanguageKeywords());
         edit.AddConstants(" IntToStr  StrToInt  Sin  Cos  MessageBox ");
         edit.SetSLComment("(*", "*)");
-        edit.SetWindowText(Script(lines).c_str());
+        edit.SetWindowText(EditorScript(lines).c_str());
     }
 };
 

@@ -16,39 +16,11 @@
 #include "qelkern-qt/qtrichedit.h"
 #include "qelkern-qt/qtuserinterface.h"
 #include "qelkern/qelkern.h"
+#include "bench/editor_script.h"
 
 namespace {
-const char* const scriptLines[] = {
-    "PROCEDURE Schritt%d(VAR wert : INTEGER; faktor : DOUBLE);",
-    "VAR i : INTEGER; text : STRING;",
-    "BEGIN",
-    "  (* Zähler und Text (* verschachtelt *) *)",
-    "  FOR i := 1 TO 10 DO",
-    "    wert := wert + i * 3,14 - 2.5e3;",
-    "    text := \"Zeile \" + IntToStr(i);",
-    "    IF wert > 100 THEN BREAK ELSIF wert < 0 THEN wert := 0 END",
-    "  END;",
-    "END;",
-};
-
-std::string Script(int lines) {
-    std::string text;
-    char line[128];
-    for (int i = 0; i < lines; ++i) {
-        std::snprintf(line, sizeof line, scriptLines[i % 10], i);
-        text += line;
-        text += '\r';
-    }
-    return text;
-}
-
-CString LanguageKeywords() {
-    std::string dot = ".";
-    CScanner table(dot.data(), 1);
-    CString words;
-    for (int i = 0; i < table.keywordCount; ++i) words += " " + table.keywords[i].name + " ";
-    return words;
-}
+using bench::EditorScript;
+using bench::LanguageKeywords;
 
 struct QtEditor {
     CTWScriptEdit edit;
@@ -82,7 +54,7 @@ struct QtEditor {
 };
 
 void BM_QtOpenAndColour(benchmark::State& state) {
-    const std::string script = Script(static_cast<int>(state.range(0)));
+    const std::string script = EditorScript(static_cast<int>(state.range(0)));
     QtEditor editor;
     for (auto _ : state) {
         editor.edit.SetWindowText(script.c_str());  // colours the whole text
@@ -95,7 +67,7 @@ BENCHMARK(BM_QtOpenAndColour)->Arg(2000)->Arg(10000)->Unit(benchmark::kMilliseco
 // The same, and the layout of the whole text that Qt otherwise finishes in
 // the background.
 void BM_QtOpenColourAndLayOutAll(benchmark::State& state) {
-    const std::string script = Script(static_cast<int>(state.range(0)));
+    const std::string script = EditorScript(static_cast<int>(state.range(0)));
     QtEditor editor;
     for (auto _ : state) {
         editor.edit.SetWindowText(script.c_str());
@@ -110,7 +82,7 @@ BENCHMARK(BM_QtOpenColourAndLayOutAll)->Arg(10000)->Unit(benchmark::kMillisecond
 // taken back the same way. Each iteration is two keystrokes.
 void BM_QtTypeOneCharacter(benchmark::State& state) {
     QtEditor editor;
-    editor.edit.SetWindowText(Script(static_cast<int>(state.range(0))).c_str());
+    editor.edit.SetWindowText(EditorScript(static_cast<int>(state.range(0))).c_str());
     const long middle = editor.edit.LineIndex(static_cast<int>(state.range(0) / 2) + 5) + 10;
     editor.LayOutAll();
     editor.edit.SetSel(middle, middle);
@@ -129,7 +101,7 @@ BENCHMARK(BM_QtTypeOneCharacter)->Arg(10000)->Unit(benchmark::kMillisecond)->Use
 // One page down and its repaint, through the whole script and back to the top.
 void BM_QtScrollOnePage(benchmark::State& state) {
     QtEditor editor;
-    editor.edit.SetWindowText(Script(static_cast<int>(state.range(0))).c_str());
+    editor.edit.SetWindowText(EditorScript(static_cast<int>(state.range(0))).c_str());
     editor.LayOutAll();
     QScrollBar* bar = editor.view->verticalScrollBar();
     for (auto _ : state) {
@@ -146,7 +118,7 @@ void BM_QelEditTypeOneCharacter(benchmark::State& state) {
     CQelEditWindow window;
     window.resize(900, 700);
     window.show();
-    window.Editor().SetWindowText(Script(static_cast<int>(state.range(0))).c_str());
+    window.Editor().SetWindowText(EditorScript(static_cast<int>(state.range(0))).c_str());
     QPlainTextEdit* view = window.Widget()->GetTextEdit();
     QApplication::processEvents();
     const long middle = window.Editor().LineIndex(static_cast<int>(state.range(0) / 2) + 5) + 10;
