@@ -54,6 +54,9 @@ CDebugPanes::CDebugPanes(QMainWindow* window) {
     variables = new QTreeWidget(window);
     variables->setObjectName(QStringLiteral("debugVariables"));
     variables->setHeaderLabels({QStringLiteral("Name"), QStringLiteral("Typ"), QStringLiteral("Wert")});
+    // Opened arrays widen the columns, indented as their elements are.
+    variables->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    variables->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     stack = new QTreeWidget(window);
     stack->setObjectName(QStringLiteral("debugStack"));
     stack->setHeaderLabels({QStringLiteral("Routine"), QStringLiteral("Zeile")});
@@ -83,8 +86,6 @@ void CDebugPanes::ShowFrame(const CDebugPause& pause, int frame) {
     if (frame < 0) return;
     for (const CDebugVariable& variable : pause.Variables(static_cast<size_t>(frame)))
         variables->addTopLevelItem(VariableItem(variable));
-    variables->resizeColumnToContents(0);
-    variables->resizeColumnToContents(1);
 }
 
 void CDebugPanes::Clear() {

@@ -3,9 +3,12 @@
 // and stopping a paused run.
 #include <QAction>
 #include <QDir>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QPlainTextEdit>
 #include <QStandardPaths>
 #include <QTest>
+#include <QTextBlock>
 #include <QTreeWidget>
 #include <functional>
 
@@ -187,6 +190,45 @@ private slots:
             QCOMPARE(window.LastRunText(), QStringLiteral("Debuggen: abgebrochen"));
             QVERIFY(!window.IsPaused() && !window.IsRunning());
         }
+    }
+
+    // A click into the gutter sets a breakpoint; the script's message box
+    // comes up during a step; closing the window while paused asks, stops
+    // the run and closes.
+    void dialogsAndClosingWhilePaused() {
+        CQelEditWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QVERIFY(window.OpenFile(ExamplesDirectory() + QStringLiteral("/hello.qel")));
+        QPlainTextEdit* view = window.Widget()->GetTextEdit();
+        QWidget* gutter = window.Widget()->LineNumberGutter();
+        const QRect line8 = view->cursorRect(QTextCursor(view->document()->findBlockByNumber(7)));
+        const QPoint inGutter = gutter->mapFrom(&window, view->viewport()->mapTo(&window, line8.center()));
+        QTest::mouseClick(gutter, Qt::LeftButton, {}, QPoint(gutter->width() / 2, inGutter.y()));
+        QCOMPARE(window.BreakpointLines(), std::vector<int>{8});
+
+        QStringList captions;
+        ModalHandler answers([&](QWidget* modal) {
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            captions << box->windowTitle();
+            if (box->text().contains(u"läuft"))
+                box->button(QMessageBox::Yes)->click();
+            else
+                box->accept();
+        });
+        {
+            PauseDriver driver(window, {[&] { QTest::keyClick(view, Qt::Key_F10); }});
+            QCOMPARE(window.DebugText(), 1);
+            QCOMPARE(driver.stops.size(), 1);
+            QVERIFY(driver.stops[0].startsWith(u"8 main@8 | summe=55 i=11"));
+        }
+        QCOMPARE(captions, QStringList{QStringLiteral("Hallo, Welt")});
+
+        PauseDriver driver(window, {[&] { window.close(); }});
+        QCOMPARE(window.DebugText(), 0);
+        QTRY_VERIFY(!window.isVisible());
+        QCOMPARE(captions, (QStringList{QStringLiteral("Hallo, Welt"), QStringLiteral("qel-edit")}));
+        QCOMPARE(window.LastRunText(), QStringLiteral("Debuggen: abgebrochen"));
     }
 
 private:
