@@ -61,12 +61,6 @@ QString PauseText(CQelEditWindow& window) {
     return text;
 }
 
-int CaretLine(CQelEditWindow& window) {
-    long start = 0, end = 0;
-    window.Editor().GetSel(start, end);
-    return static_cast<int>(window.Editor().LineFromChar(start)) + 1;
-}
-
 // At each pause: notes what it shows, then does the next step (a key, or
 // any other action); once the steps run out the run continues.
 class PauseDriver {
@@ -139,7 +133,9 @@ private slots:
             [&] {
                 QTreeWidget* stack = const_cast<QTreeWidget*>(window.DebugPanes().Stack());
                 stack->setCurrentItem(stack->topLevelItem(1));
-                frameCaretLine = CaretLine(window);
+                long start = 0, end = 0;
+                window.Editor().GetSel(start, end);
+                frameCaretLine = static_cast<int>(window.Editor().LineFromChar(start)) + 1;
                 outerFrame = PauseText(window);
                 QTest::keyClick(view, Qt::Key_F5);
             },
@@ -160,41 +156,14 @@ private slots:
         QCOMPARE(frameCaretLine, 10);
         QVERIFY2(outerFrame.endsWith(u"| n=3 fak=0"), qPrintable(outerFrame));
         QCOMPARE(window.LastRunText(), QStringLiteral("Debuggen: Ergebnis 1, Erfolgscode 0"));
-        QVERIFY(!window.IsPaused());
         QVERIFY(!window.Widget()->HasLineMark(4, LineMarkCurrent));
         QVERIFY(!window.DebugPanes().Variables()->isVisible());
     }
 
-    // Without breakpoints a debug run stops at the first statement; arrays
-    // open element by element; Shift+F5 and Esc end a paused run at once.
-    void stopEndsAPausedRun() {
-        CQelEditWindow window;
-        window.show();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-        window.Editor().SetWindowText("VAR z : ARRAY [3] OF INTEGER;\rBEGIN\r  z[1] := 7;\r  z[2] := 9\rEND.");
-        QPlainTextEdit* view = window.Widget()->GetTextEdit();
-        view->setFocus();
-        for (Qt::KeyboardModifiers modifiers : {Qt::KeyboardModifiers(Qt::ShiftModifier), Qt::KeyboardModifiers()}) {
-            const Qt::Key stop = modifiers ? Qt::Key_F5 : Qt::Key_Escape;
-            QString type;
-            PauseDriver driver(window, {
-                [&] {
-                    type = window.DebugPanes().Variables()->topLevelItem(0)->text(1);
-                    QTest::keyClick(view, Qt::Key_F10);
-                },
-                [&] { QTest::keyClick(view, stop, modifiers); },
-            });
-            QCOMPARE(window.DebugText(), 0);
-            QCOMPARE(driver.stops, (QStringList{"3 main@3 | z[0,0,0]", "4 main@4 | z[0,7,0]"}));
-            QCOMPARE(type, QStringLiteral("array [3] of integer"));
-            QCOMPARE(window.LastRunText(), QStringLiteral("Debuggen: abgebrochen"));
-            QVERIFY(!window.IsPaused() && !window.IsRunning());
-        }
-    }
-
-    // A click into the gutter sets a breakpoint; the script's message box
-    // comes up during a step; closing the window while paused asks, stops
-    // the run and closes.
+    // A click into the gutter sets a breakpoint and clears it; the script's
+    // message box comes up during a step; without breakpoints a debug run
+    // stops at the first statement; Esc ends a paused run; closing the window
+    // while paused asks, stops the run and closes.
     void dialogsAndClosingWhilePaused() {
         CQelEditWindow window;
         window.show();
@@ -203,8 +172,10 @@ private slots:
         QPlainTextEdit* view = window.Widget()->GetTextEdit();
         QWidget* gutter = window.Widget()->LineNumberGutter();
         const QRect line8 = view->cursorRect(QTextCursor(view->document()->findBlockByNumber(7)));
-        const QPoint inGutter = gutter->mapFrom(&window, view->viewport()->mapTo(&window, line8.center()));
-        QTest::mouseClick(gutter, Qt::LeftButton, {}, QPoint(gutter->width() / 2, inGutter.y()));
+        const QPoint inView = view->viewport()->mapTo(&window, line8.center());
+        const QPoint onLine8(gutter->width() / 2, gutter->mapFrom(&window, inView).y());
+        const auto clickLine8 = [&] { QTest::mouseClick(gutter, Qt::LeftButton, {}, onLine8); };
+        clickLine8();
         QCOMPARE(window.BreakpointLines(), std::vector<int>{8});
 
         QStringList captions;
@@ -223,6 +194,15 @@ private slots:
             QVERIFY(driver.stops[0].startsWith(u"8 main@8 | summe=55 i=11"));
         }
         QCOMPARE(captions, QStringList{QStringLiteral("Hallo, Welt")});
+        clickLine8();
+        QVERIFY(window.BreakpointLines().empty());
+        {
+            PauseDriver driver(window, {[&] { QTest::keyClick(view, Qt::Key_Escape); }});
+            QCOMPARE(window.DebugText(), 0);
+            QCOMPARE(driver.stops.size(), 1);
+            QVERIFY(driver.stops[0].startsWith(u"4 main@4 | summe=0 i=0"));
+            QCOMPARE(window.LastRunText(), QStringLiteral("Debuggen: abgebrochen"));
+        }
 
         PauseDriver driver(window, {[&] { window.close(); }});
         QCOMPARE(window.DebugText(), 0);

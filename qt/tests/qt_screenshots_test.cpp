@@ -169,6 +169,7 @@ private slots:
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         QImage shot;
+        QStringList spur;  // the array's type and its elements in the pane
         int pauses = 0;
         QTimer poll;
         connect(&poll, &QTimer::timeout, &window, [&] {
@@ -178,7 +179,11 @@ private slots:
             }
             auto* stack = const_cast<QTreeWidget*>(window.DebugPanes().Stack());
             stack->setCurrentItem(stack->topLevelItem(stack->topLevelItemCount() - 1));
-            window.DebugPanes().Variables()->expandAll();
+            QTreeWidget* variables = window.DebugPanes().Variables();
+            variables->expandAll();
+            const QTreeWidgetItem* array = variables->topLevelItem(1);
+            spur << array->text(1);
+            for (int i = 0; i < array->childCount(); ++i) spur << array->child(i)->text(2);
             QTest::qWait(50);
             shot = window.grab().toImage();
             poll.stop();
@@ -190,6 +195,7 @@ private slots:
         QVERIFY(!SaveShot(shot, QStringLiteral("editor-debug.png")).isEmpty());
         QVERIFY(PixelsNear(shot, QColor(200, 30, 30)) > 10);   // the breakpoint's dot
         QVERIFY(PixelsNear(shot, QColor(230, 180, 0)) > 10);   // the current line's arrow
+        QCOMPARE(spur, QStringList({"array [4] of integer", "0", "0", "2", "3"}));
     }
 
 private:
