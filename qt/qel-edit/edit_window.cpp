@@ -17,6 +17,7 @@
 #include "qelkern-qt/qtappearance.h"
 #include "qelkern-qt/qtrichedit.h"
 #include "qelkern-qt/qtuserinterface.h"
+#include "debug_panes.h"
 #include "find_dialog.h"
 #include "script_files.h"
 

@@ -5,6 +5,10 @@
 #include <QMainWindow>
 
 #include "qelkern/qelkern.h"
+#include <memory>
+#include <vector>
+
+#include "edit_debugger.h"
 #include "recent_files.h"
 #include "recovery.h"
 #include "script_session.h"
@@ -15,6 +19,8 @@ class QMenu;
 class QAction;
 class CQtRichEditWidget;
 class CFindDialog;
+class CDebugPanes;
+class QToolBar;
 
 class CQelEditWindow : public QMainWindow {
 public:
@@ -29,8 +35,19 @@ public:
     // 1 or 0, as the engine answers; the status bar shows it.
     int CompileText();
     int RunText();
-    // Ends the running script; the status says so.
+    // Runs under the debugger: to the first breakpoint, or, with none, to
+    // the first statement; 1 or 0 as RunText.
+    int DebugText();
+    // Ends the running script, paused or not; the status says so.
     void StopRun();
+    // The next step of a paused run.
+    void Resume(DebugCommand command);
+    bool IsPaused() const { return debugger.IsPaused(); }
+    // Lines from 1.
+    void ToggleBreakpoint(int line);
+    bool HasBreakpoint(int line) const;
+    std::vector<int> BreakpointLines() const;
+    const CDebugPanes& DebugPanes() const;
     bool IsRunning() const { return session.IsRunning(); }
     // Offers back the newest work that a run left unsaved when the editor
     // went down; true if it was taken.
@@ -67,6 +84,7 @@ private:
     void BuildEditMenu();
     void BuildViewMenu();
     void BuildScriptMenu();
+    void BuildDebugMenu(QToolBar* tools);
     void FillRecentFilesMenu();
     void OpenRecent(const QString& path);
     void RememberFile(const QString& path);
@@ -86,7 +104,12 @@ private:
     void ReplaceOne();
     void ReplaceEvery();
     void SetRunning(bool running);
-    int RunSession(const QString& command, bool run);
+    int RunSession(const QString& command, bool run, CDebugger* debugging = nullptr);
+    void ShowPause(const CDebugPause& pause);
+    void LeavePause();
+    void MarkCurrentLine(int line);
+    void ChooseFrame(int frame);
+    void MoveBreakpoint(const CDebugBreakpoint& breakpoint);
     bool AskToStopForClosing();
     void ShowErrorSite(const QString& command, const ErrorSite& site);
     void ClearErrorMark();
@@ -98,7 +121,12 @@ private:
     QMenu* recentMenu = nullptr;
     QAction* stopAction = nullptr;
     QList<QAction*> idleOnly;  // commands that wait while a script runs
+    QList<QAction*> pausedOnly;
+    QAction* pauseAction = nullptr;
     CScriptSession session;
+    CEditDebugger debugger;
+    std::unique_ptr<CDebugPanes> panes;
+    bool debugging = false;
     CRecovery recovery{CRecovery::DefaultDirectory()};
     bool closeAfterRun = false;
     bool learnAfterRun = false;

@@ -79,9 +79,15 @@ void CQelEditWindow::BuildScriptMenu() {
     QAction* compile = script->addAction(style()->standardIcon(QStyle::SP_DialogApplyButton), QStringLiteral("Ü&bersetzen"),
                                          QKeySequence(Qt::Key_F7), this, [this] { CompileText(); });
     QAction* run = script->addAction(style()->standardIcon(QStyle::SP_MediaPlay), QStringLiteral("&Ausführen"),
-                                     QKeySequence(Qt::Key_F5), this, [this] { RunText(); });
+                                     QKeySequence(Qt::Key_F5), this, [this] {
+                                         if (BreakpointLines().empty())
+                                             RunText();
+                                         else
+                                             DebugText();
+                                     });
     stopAction = script->addAction(style()->standardIcon(QStyle::SP_MediaStop), QStringLiteral("&Stoppen"),
                                    QKeySequence(Qt::Key_Escape), this, [this] { StopRun(); });
+    stopAction->setShortcuts({QKeySequence(Qt::Key_Escape), QKeySequence(Qt::SHIFT | Qt::Key_F5)});
     stopAction->setEnabled(false);
     script->addSeparator();
     idleOnly << compile << run
@@ -93,6 +99,7 @@ void CQelEditWindow::BuildScriptMenu() {
     tools->addAction(compile);
     tools->addAction(run);
     tools->addAction(stopAction);
+    BuildDebugMenu(tools);
 }
 
 // --- recent files --------------------------------------------------------------------

@@ -19,7 +19,7 @@ int CQelEditWindow::RunText() {
 
 // Unsaved work goes to the recovery file first: a script may take the
 // process down. The file goes once the run is over.
-int CQelEditWindow::RunSession(const QString& command, bool run) {
+int CQelEditWindow::RunSession(const QString& command, bool run, CDebugger* debugging) {
     if (session.IsRunning()) return 0;
     const CString text = ScriptTextOf(editor);
     const bool keepsRecovery = run && IsModified() && recovery.Save(filePath, text);
@@ -27,11 +27,11 @@ int CQelEditWindow::RunSession(const QString& command, bool run) {
     SetRunning(true);
     runStatus->setText(command + QStringLiteral(" …"));
     runStatus->setStyleSheet(QString());
-    const int result = session.Run(preludeDirectory, text, run);
+    const int result = session.Run(preludeDirectory, text, run, debugging);
     SetRunning(false);
     if (keepsRecovery) recovery.Discard();
     if (std::exchange(learnAfterRun, false)) LearnWords();
-    if (session.WasStopped()) {
+    if (session.WasStopped() || (debugging && debugger.WasStopped())) {
         runStatus->setText(command + QStringLiteral(": abgebrochen"));
         runStatus->setStyleSheet(QStringLiteral("color: #c00000;"));
     } else {
@@ -46,7 +46,13 @@ int CQelEditWindow::RunSession(const QString& command, bool run) {
     return result;
 }
 
-void CQelEditWindow::StopRun() { session.Stop(); }
+// A paused run cannot look at a cancel: it is told to stop.
+void CQelEditWindow::StopRun() {
+    if (debugger.IsPaused())
+        debugger.Resume(DebugCommand::Stop);
+    else
+        session.Stop();
+}
 
 // An error in the script puts the caret on its line and marks it until the
 // text changes or the next run; one in the prelude is only named.
@@ -112,6 +118,6 @@ bool CQelEditWindow::AskToStopForClosing() {
                                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
     if (answer != QMessageBox::Yes || !session.IsRunning()) return false;
     closeAfterRun = true;
-    session.Stop();
+    StopRun();
     return true;
 }

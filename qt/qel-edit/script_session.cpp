@@ -56,12 +56,13 @@ private:
 };
 }  // namespace
 
-int CScriptSession::Run(const QString& preludeDirectory, const CString& text, bool run) {
+int CScriptSession::Run(const QString& preludeDirectory, const CString& text, bool run, CDebugger* debugger) {
     if (running) return 0;
     lastError = ShownError();
     CStopAwareUserInterface userInterface(GetUserInterface(), control, lastError);
     Borrowed<CUserInterface*> shownBy(pUserInterface, &userInterface);
     Borrowed<CRunControl*> controlledBy(pRunControl, &control);
+    Borrowed<CDebugger*> debuggedBy(pDebugger, debugger);
     control.Reset();
     control.pollMilliseconds = pollMilliseconds;
     control.onPoll = [](CRunControl&) { QCoreApplication::processEvents(QEventLoop::AllEvents); };

@@ -12,6 +12,7 @@
 
 #include "qelkern/qelkern.h"
 #include "error_site.h"
+#include "qelkern/debugger.h"
 #include "qelkern/runcontrol.h"
 
 class CScriptSession {
@@ -19,8 +20,9 @@ public:
     static constexpr unsigned pollMilliseconds = 20;
 
     // Compiles the text with the prelude of the directory, and runs it if
-    // `run`; the engine's result, 1 or 0.
-    int Run(const QString& preludeDirectory, const CString& text, bool run);
+    // `run`; the engine's result, 1 or 0. A debugger, if given, serves this
+    // run only.
+    int Run(const QString& preludeDirectory, const CString& text, bool run, CDebugger* debugger = nullptr);
 
     bool IsRunning() const { return running; }
     // Ends the running script at once; the engine's own notice of the

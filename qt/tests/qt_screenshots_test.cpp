@@ -6,7 +6,9 @@
 #include <QImage>
 #include <QTest>
 #include <QPlainTextEdit>
+#include <QTreeWidget>
 
+#include "debug_panes.h"
 #include "edit_window.h"
 #include "gui_test_support.h"
 #include "qel_environment.h"
@@ -151,6 +153,49 @@ private slots:
         QVERIFY(!shot.isNull());
         QVERIFY(!SaveShot(shot, QStringLiteral("editor-running.png")).isEmpty());
         QVERIFY(PixelsNear(shot, QColor(0, 0, 255)) > 20);  // painted while running
+    }
+
+    // A paused debug run: the breakpoint's dot, the current line, the call
+    // stack, and the main block's variables with an array opened.
+    void editorPausedInADebugRun() {
+        CQelEditWindow window;
+        window.Editor().SetWindowText("(* Fakultät, rekursiv *)\rVAR r : INTEGER; spur : ARRAY [4] OF INTEGER;\r"
+                                      "FUNCTION fak(n : INTEGER) : INTEGER;\r  PROCEDURE merke(k : INTEGER);\r"
+                                      "  BEGIN\r    spur[k] := k\r  END;\rBEGIN\r  merke(n);\r"
+                                      "  IF n <= 1 THEN fak := 1\r  ELSE fak := n * fak(n - 1) END\rEND;\r"
+                                      "BEGIN\r  r := fak(3)\rEND.");
+        window.ToggleBreakpoint(10);
+        window.resize(900, 620);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QImage shot;
+        QStringList spur;  // the array's type and its elements in the pane
+        int pauses = 0;
+        QTimer poll;
+        connect(&poll, &QTimer::timeout, &window, [&] {
+            if (!window.IsPaused() || ++pauses < 2) {
+                if (window.IsPaused()) window.Resume(DebugCommand::Continue);
+                return;
+            }
+            auto* stack = const_cast<QTreeWidget*>(window.DebugPanes().Stack());
+            stack->setCurrentItem(stack->topLevelItem(stack->topLevelItemCount() - 1));
+            QTreeWidget* variables = window.DebugPanes().Variables();
+            variables->expandAll();
+            const QTreeWidgetItem* array = variables->topLevelItem(1);
+            spur << array->text(1);
+            for (int i = 0; i < array->childCount(); ++i) spur << array->child(i)->text(2);
+            QTest::qWait(50);
+            shot = window.grab().toImage();
+            poll.stop();
+            window.StopRun();
+        });
+        poll.start(10);
+        QCOMPARE(window.DebugText(), 0);
+        QVERIFY(!shot.isNull());
+        QVERIFY(!SaveShot(shot, QStringLiteral("editor-debug.png")).isEmpty());
+        QVERIFY(PixelsNear(shot, QColor(200, 30, 30)) > 10);   // the breakpoint's dot
+        QVERIFY(PixelsNear(shot, QColor(230, 180, 0)) > 10);   // the current line's arrow
+        QCOMPARE(spur, QStringList({"array [4] of integer", "0", "0", "2", "3"}));
     }
 
 private:
