@@ -77,6 +77,12 @@ private:
         if (!window.IsPaused() || busy) return;
         busy = true;
         stops << PauseText(window);
+        // A script's message box may just have closed: shortcuts reach only
+        // the active window.
+        if (!window.isActiveWindow()) {
+            window.activateWindow();
+            QTest::qWaitForWindowActive(&window);
+        }
         if (next < steps.size())
             steps[next++]();
         else
