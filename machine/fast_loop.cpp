@@ -9,6 +9,7 @@ namespace qelkern {
 // Labels as values (GCC and Clang) make the threaded dispatch.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpedantic"
+template <bool counted>
 FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const Step* steps,
                 int length, VALUE* s, int capacity, intptr_t checkAt, std::vector<Step>* decoded) {
     Registers r = registers;
@@ -57,13 +58,20 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
 #define QEL_JUMP_IF_ZERO(condition)            \
     if ((condition)->intValue == 0) {          \
-        TakeJump(r, *step, step->target);      \
+        QEL_TAKE_JUMP(step->target);      \
         QEL_DISPATCH();                              \
     }                                          \
     r.next += 4;                               \
     QEL_DISPATCH()
-#define QEL_CHECKPOINT() \
-    if (r.travel + Position(r.next) >= checkAt) QEL_LEAVE()
+#define QEL_CHECKPOINT()                                                    \
+    if constexpr (counted)                                                  \
+        if (r.travel + Position(r.next) >= checkAt) QEL_LEAVE()
+    // Without a run control nobody reads the count, and the jumps skip it.
+#define QEL_TAKE_JUMP(to)                               \
+    do {                                                \
+        if constexpr (counted) r.travel += step->delta; \
+        r.next = (to);                                  \
+    } while (0)
     // Behind a push into the reserve: the stack must grow before the next step.
 #define QEL_PUSHED()       \
     if (r.top > limit) {   \
@@ -177,7 +185,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 r.frame = cells;
                 r.above = static_cast<uintptr_t>(capacity - r.b);
                 r.frameBytes = reinterpret_cast<char*>(cells) - reinterpret_cast<char*>(s);
-                TakeJump(r, *step, step->to);
+                QEL_TAKE_JUMP(step->to);
                 QEL_DISPATCH();
             }
             op_Enter: {
@@ -191,13 +199,13 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_NEXT();
             }
             op_JumpBack: QEL_CHECKPOINT();
-            op_Jump: TakeJump(r, *step, step->to); QEL_DISPATCH();
+            op_Jump: QEL_TAKE_JUMP(step->to); QEL_DISPATCH();
             op_JumpBackIfZero: QEL_CHECKPOINT();
             op_JumpIfZero:
                 if (r.top == s || !IsNumber(*r.top)) QEL_LEAVE();
                 if (NumberIsZero(*r.top)) {
                     --r.top;
-                    TakeJump(r, *step, step->to);
+                    QEL_TAKE_JUMP(step->to);
                     QEL_DISPATCH();
                 }
                 --r.top;
@@ -223,7 +231,10 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 r.top = top;
                 r.b = top[2].intValue;
                 SetFrame(r, s, capacity);
-                Transfer(r, steps + back);
+                if constexpr (counted)
+                    Transfer(r, steps + back);
+                else
+                    r.next = steps + back;
                 if (r.top > limit) goto leave;
                 QEL_DISPATCH();
             }
@@ -334,7 +345,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 if (result == s) QEL_LEAVE_AT(1, result);                        \
                 r.top = result - 1;                                              \
                 if (result->intValue == 0) {                                     \
-                    TakeJump(r, *step, step->target);                            \
+                    QEL_TAKE_JUMP(step->target);                            \
                     QEL_DISPATCH();                                              \
                 }                                                                \
                 r.next += 2;                                                     \
@@ -348,7 +359,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 if (condition == s) QEL_LEAVE_AT(2, condition);                  \
                 r.top = condition - 1;                                           \
                 if (condition->intValue == 0) {                                  \
-                    TakeJump(r, *step, step->target);                            \
+                    QEL_TAKE_JUMP(step->target);                            \
                     QEL_DISPATCH();                                              \
                 }                                                                \
                 r.next += 3;                                                     \
@@ -448,10 +459,16 @@ leave:
 #undef QEL_LOAD_LOAD
 #undef QEL_JUMP_IF_ZERO
 #undef QEL_CHECKPOINT
+#undef QEL_TAKE_JUMP
 #undef QEL_PUSHED
 #undef QEL_UNARY
 #undef QEL_BINARY
 }
 #pragma GCC diagnostic pop
+
+template FastEnd RunFast<true>(CInterpreter&, RunWatch&, Registers&, const Step*, int, VALUE*, int,
+                               intptr_t, std::vector<Step>*);
+template FastEnd RunFast<false>(CInterpreter&, RunWatch&, Registers&, const Step*, int, VALUE*,
+                                int, intptr_t, std::vector<Step>*);
 
 }  // namespace qelkern

@@ -148,6 +148,9 @@ enum class FastEnd { Left, RunOver, Cancelled };
 // Backward jumps and calls, the only way a run can go on for long, stop at
 // `checkAt` (see CheckPosition) before they are carried out. Called with
 // `decoded`, it only gives each step the address of its handler.
+// Uncounted (no run control to serve), the jumps neither count the steps
+// nor stop at checkAt, and travel means nothing.
+template <bool counted>
 FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const Step* steps,
                 int length, VALUE* s, int capacity, intptr_t checkAt,
                 std::vector<Step>* decoded = nullptr);
