@@ -6,6 +6,13 @@
 
 namespace qelkern {
 
+namespace {
+
+// Kept out of line, so that the numbers' path stays free of a call.
+[[gnu::noinline]] void AssignText(VALUE& target, const VALUE& source) { Assign(target, source); }
+
+}  // namespace
+
 // Labels as values (GCC and Clang) make the threaded dispatch.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpedantic"
@@ -32,6 +39,15 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
         return at < reinterpret_cast<uintptr_t>(s) + stackBytes ? reinterpret_cast<VALUE*>(at) : nullptr;
     };
 #define QEL_LEAVE() goto leave
+    // A text assignment can throw: the registers are left as GeneralStep
+    // leaves them in the middle of the same step.
+#define QEL_ASSIGN_TEXT(target, source, pushed) \
+    do {                                        \
+        registers = r;                          \
+        ++registers.next;                       \
+        registers.top += (pushed);              \
+        AssignText((target), (source));         \
+    } while (0)
     // A fused step that cannot go on: the instructions before address
     // `done` of it are carried out, the plain steps take over from there.
 #define QEL_LEAVE_AT(done, newTop) \
@@ -138,7 +154,9 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_PUSHED();
                 QEL_NEXT();
             op_Load:
-                if (!IsVariable(r, step->a) || !TryAssign(r.top[1], r.frame[step->a])) QEL_LEAVE();
+                if (!IsVariable(r, step->a)) QEL_LEAVE();
+                if (!TryAssign(r.top[1], r.frame[step->a]))
+                    QEL_ASSIGN_TEXT(r.top[1], r.frame[step->a], 1);
                 ++r.top;
                 QEL_PUSHED();
                 QEL_NEXT();
@@ -155,8 +173,8 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_NEXT();
             }
             op_Store:
-                if (!IsVariable(r, step->a) || r.top == s || !TryAssign(r.frame[step->a], *r.top))
-                    QEL_LEAVE();
+                if (!IsVariable(r, step->a) || r.top == s) QEL_LEAVE();
+                if (!TryAssign(r.frame[step->a], *r.top)) QEL_ASSIGN_TEXT(r.frame[step->a], *r.top, 0);
                 --r.top;
                 QEL_NEXT();
             op_StoreParameter:
@@ -441,6 +459,10 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_DISPATCH();
             }
             op_LitValue:
+                QEL_ASSIGN_TEXT(r.top[1], *step->literal, 1);
+                ++r.top;
+                QEL_PUSHED();
+                QEL_NEXT();
             op_Swap:
             op_ReadInt:
             op_ReadDouble:
@@ -455,6 +477,7 @@ leave:
 #undef QEL_NEXT
 #undef QEL_LEAVE
 #undef QEL_LEAVE_AT
+#undef QEL_ASSIGN_TEXT
 #undef QEL_LOAD_LIT
 #undef QEL_LOAD_LOAD
 #undef QEL_JUMP_IF_ZERO

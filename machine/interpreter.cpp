@@ -50,7 +50,7 @@ void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunW
             Stopped(m, r, steps, StopCause::Cancelled, watch);
             return;
         }
-        // Texts come in runs: while the top cell or the next literal is one,
+        // While the top cell holds a text (the relations and + of texts),
         // the steps stay here rather than go back and forth.
         do {
             if (r.travel + Position(r.next) >= CheckPosition(watch.NextCheck()) &&
@@ -63,7 +63,7 @@ void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunW
                 r.top = m.stack + t;
                 SetFrame(r, m.stack, m.stackCapacity);
             }
-        } while (r.top->type == tagString || r.next->op == Op::LitValue);
+        } while (r.top->type == tagString);
     }
 }
 

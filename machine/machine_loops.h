@@ -132,10 +132,11 @@ inline int AddressOf(const Step* steps, const Step* at) {
 // that failed (the run is over) or cancelled the run.
 enum class FastEnd { Left, RunOver, Cancelled };
 
-// Runs the steps that need no call, as long as it meets them: numbers in
-// cells, no text to copy or release, nothing to report, no stack to grow.
-// Without a call in it the compiler can keep the registers in machine
-// registers, and this is where a run spends its time. Returns on the first
+// Runs the steps that need no report, as long as it meets them: numbers in
+// cells, texts loaded, stored and pushed as literals (through a call out of
+// the numbers' path), nothing to report, no stack to grow. The numbers' path
+// has no call, so the compiler can keep the registers in machine registers,
+// and this is where a run spends its time. Returns on the first
 // step that needs more, which is left to GeneralStep, or behind a step that
 // pushed into the reserve.
 //
