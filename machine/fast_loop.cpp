@@ -6,9 +6,17 @@
 
 namespace qelkern {
 
+namespace {
+
+// Kept out of line, so that the numbers' path stays free of a call.
+[[gnu::noinline]] void AssignText(VALUE& target, const VALUE& source) { Assign(target, source); }
+
+}  // namespace
+
 // Labels as values (GCC and Clang) make the threaded dispatch.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpedantic"
+template <bool counted>
 FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const Step* steps,
                 int length, VALUE* s, int capacity, intptr_t checkAt, std::vector<Step>* decoded) {
     Registers r = registers;
@@ -31,6 +39,18 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
         return at < reinterpret_cast<uintptr_t>(s) + stackBytes ? reinterpret_cast<VALUE*>(at) : nullptr;
     };
 #define QEL_LEAVE() goto leave
+    // A text assignment can throw: the registers are left as GeneralStep
+    // leaves them in the middle of the same step. The counting loop leaves
+    // texts to GeneralStep: with the call in it, the compiler keeps its
+    // registers far worse (a fifth more instructions on calls).
+#define QEL_ASSIGN_TEXT(target, source, pushed) \
+    do {                                        \
+        if constexpr (counted) QEL_LEAVE();     \
+        registers = r;                          \
+        ++registers.next;                       \
+        registers.top += (pushed);              \
+        AssignText((target), (source));         \
+    } while (0)
     // A fused step that cannot go on: the instructions before address
     // `done` of it are carried out, the plain steps take over from there.
 #define QEL_LEAVE_AT(done, newTop) \
@@ -57,13 +77,20 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
 #define QEL_JUMP_IF_ZERO(condition)            \
     if ((condition)->intValue == 0) {          \
-        TakeJump(r, *step, step->target);      \
+        QEL_TAKE_JUMP(step->target);      \
         QEL_DISPATCH();                              \
     }                                          \
     r.next += 4;                               \
     QEL_DISPATCH()
-#define QEL_CHECKPOINT() \
-    if (r.travel + Position(r.next) >= checkAt) QEL_LEAVE()
+#define QEL_CHECKPOINT()                                                    \
+    if constexpr (counted)                                                  \
+        if (r.travel + Position(r.next) >= checkAt) QEL_LEAVE()
+    // Without a run control nobody reads the count, and the jumps skip it.
+#define QEL_TAKE_JUMP(to)                               \
+    do {                                                \
+        if constexpr (counted) r.travel += step->delta; \
+        r.next = (to);                                  \
+    } while (0)
     // Behind a push into the reserve: the stack must grow before the next step.
 #define QEL_PUSHED()       \
     if (r.top > limit) {   \
@@ -130,7 +157,9 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_PUSHED();
                 QEL_NEXT();
             op_Load:
-                if (!IsVariable(r, step->a) || !TryAssign(r.top[1], r.frame[step->a])) QEL_LEAVE();
+                if (!IsVariable(r, step->a)) QEL_LEAVE();
+                if (!TryAssign(r.top[1], r.frame[step->a]))
+                    QEL_ASSIGN_TEXT(r.top[1], r.frame[step->a], 1);
                 ++r.top;
                 QEL_PUSHED();
                 QEL_NEXT();
@@ -147,8 +176,8 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_NEXT();
             }
             op_Store:
-                if (!IsVariable(r, step->a) || r.top == s || !TryAssign(r.frame[step->a], *r.top))
-                    QEL_LEAVE();
+                if (!IsVariable(r, step->a) || r.top == s) QEL_LEAVE();
+                if (!TryAssign(r.frame[step->a], *r.top)) QEL_ASSIGN_TEXT(r.frame[step->a], *r.top, 0);
                 --r.top;
                 QEL_NEXT();
             op_StoreParameter:
@@ -177,7 +206,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 r.frame = cells;
                 r.above = static_cast<uintptr_t>(capacity - r.b);
                 r.frameBytes = reinterpret_cast<char*>(cells) - reinterpret_cast<char*>(s);
-                TakeJump(r, *step, step->to);
+                QEL_TAKE_JUMP(step->to);
                 QEL_DISPATCH();
             }
             op_Enter: {
@@ -191,13 +220,13 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_NEXT();
             }
             op_JumpBack: QEL_CHECKPOINT();
-            op_Jump: TakeJump(r, *step, step->to); QEL_DISPATCH();
+            op_Jump: QEL_TAKE_JUMP(step->to); QEL_DISPATCH();
             op_JumpBackIfZero: QEL_CHECKPOINT();
             op_JumpIfZero:
                 if (r.top == s || !IsNumber(*r.top)) QEL_LEAVE();
                 if (NumberIsZero(*r.top)) {
                     --r.top;
-                    TakeJump(r, *step, step->to);
+                    QEL_TAKE_JUMP(step->to);
                     QEL_DISPATCH();
                 }
                 --r.top;
@@ -223,7 +252,10 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 r.top = top;
                 r.b = top[2].intValue;
                 SetFrame(r, s, capacity);
-                Transfer(r, steps + back);
+                if constexpr (counted)
+                    Transfer(r, steps + back);
+                else
+                    r.next = steps + back;
                 if (r.top > limit) goto leave;
                 QEL_DISPATCH();
             }
@@ -334,7 +366,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 if (result == s) QEL_LEAVE_AT(1, result);                        \
                 r.top = result - 1;                                              \
                 if (result->intValue == 0) {                                     \
-                    TakeJump(r, *step, step->target);                            \
+                    QEL_TAKE_JUMP(step->target);                            \
                     QEL_DISPATCH();                                              \
                 }                                                                \
                 r.next += 2;                                                     \
@@ -348,7 +380,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 if (condition == s) QEL_LEAVE_AT(2, condition);                  \
                 r.top = condition - 1;                                           \
                 if (condition->intValue == 0) {                                  \
-                    TakeJump(r, *step, step->target);                            \
+                    QEL_TAKE_JUMP(step->target);                            \
                     QEL_DISPATCH();                                              \
                 }                                                                \
                 r.next += 3;                                                     \
@@ -430,6 +462,10 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_DISPATCH();
             }
             op_LitValue:
+                QEL_ASSIGN_TEXT(r.top[1], *step->literal, 1);
+                ++r.top;
+                QEL_PUSHED();
+                QEL_NEXT();
             op_Swap:
             op_ReadInt:
             op_ReadDouble:
@@ -444,14 +480,21 @@ leave:
 #undef QEL_NEXT
 #undef QEL_LEAVE
 #undef QEL_LEAVE_AT
+#undef QEL_ASSIGN_TEXT
 #undef QEL_LOAD_LIT
 #undef QEL_LOAD_LOAD
 #undef QEL_JUMP_IF_ZERO
 #undef QEL_CHECKPOINT
+#undef QEL_TAKE_JUMP
 #undef QEL_PUSHED
 #undef QEL_UNARY
 #undef QEL_BINARY
 }
 #pragma GCC diagnostic pop
+
+template FastEnd RunFast<true>(CInterpreter&, RunWatch&, Registers&, const Step*, int, VALUE*, int,
+                               intptr_t, std::vector<Step>*);
+template FastEnd RunFast<false>(CInterpreter&, RunWatch&, Registers&, const Step*, int, VALUE*,
+                                int, intptr_t, std::vector<Step>*);
 
 }  // namespace qelkern

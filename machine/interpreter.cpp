@@ -40,16 +40,17 @@ inline bool IsCheckpoint(const Step& step) {
     return step.plain == Op::Call || step.plain == Op::JumpBack || step.plain == Op::JumpBackIfZero;
 }
 
+template <bool counted>
 void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunWatch& watch) {
     for (;;) {
-        const FastEnd end = RunFast(m, watch, r, steps, length, m.stack, m.stackCapacity,
+        const FastEnd end = RunFast<counted>(m, watch, r, steps, length, m.stack, m.stackCapacity,
                                     CheckPosition(watch.NextCheck()));
         if (end == FastEnd::RunOver) return;
         if (end == FastEnd::Cancelled) {
             Stopped(m, r, steps, StopCause::Cancelled, watch);
             return;
         }
-        // Texts come in runs: while the top cell or the next literal is one,
+        // While the top cell holds a text (the relations and + of texts),
         // the steps stay here rather than go back and forth.
         do {
             if (r.travel + Position(r.next) >= CheckPosition(watch.NextCheck()) &&
@@ -62,7 +63,7 @@ void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunW
                 r.top = m.stack + t;
                 SetFrame(r, m.stack, m.stackCapacity);
             }
-        } while (r.top->type == tagString || r.next->op == Op::LitValue);
+        } while (r.top->type == tagString);
     }
 }
 
@@ -73,14 +74,21 @@ void Run(CInterpreter& m, RunWatch& watch) {
     std::vector<Step> decoded = Decode(m.code, length);
     const Step* const steps = decoded.data();
     Registers r{};
-    RunFast(m, watch, r, steps, length, m.stack, m.stackCapacity, 0, &decoded);
+    const bool counted = watch.Watched();
+    if (counted)
+        RunFast<true>(m, watch, r, steps, length, m.stack, m.stackCapacity, 0, &decoded);
+    else
+        RunFast<false>(m, watch, r, steps, length, m.stack, m.stackCapacity, 0, &decoded);
     r.next = steps;
     r.top = m.stack;
     r.b = 1;
     r.travel = -Position(steps);
     SetFrame(r, m.stack, m.stackCapacity);
     try {
-        RunSteps(m, r, steps, length, watch);
+        if (counted)
+            RunSteps<true>(m, r, steps, length, watch);
+        else
+            RunSteps<false>(m, r, steps, length, watch);
     } catch (...) {
         WriteBack(m, r, steps);
         watch.Finish(StepsTaken(r));

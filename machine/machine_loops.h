@@ -132,10 +132,11 @@ inline int AddressOf(const Step* steps, const Step* at) {
 // that failed (the run is over) or cancelled the run.
 enum class FastEnd { Left, RunOver, Cancelled };
 
-// Runs the steps that need no call, as long as it meets them: numbers in
-// cells, no text to copy or release, nothing to report, no stack to grow.
-// Without a call in it the compiler can keep the registers in machine
-// registers, and this is where a run spends its time. Returns on the first
+// Runs the steps that need no report, as long as it meets them: numbers in
+// cells, texts loaded, stored and pushed as literals (through a call out of
+// the numbers' path), nothing to report, no stack to grow. The numbers' path
+// has no call, so the compiler can keep the registers in machine registers,
+// and this is where a run spends its time. Returns on the first
 // step that needs more, which is left to GeneralStep, or behind a step that
 // pushed into the reserve.
 //
@@ -148,6 +149,9 @@ enum class FastEnd { Left, RunOver, Cancelled };
 // Backward jumps and calls, the only way a run can go on for long, stop at
 // `checkAt` (see CheckPosition) before they are carried out. Called with
 // `decoded`, it only gives each step the address of its handler.
+// Uncounted (no run control to serve), the jumps neither count the steps
+// nor stop at checkAt, and travel means nothing.
+template <bool counted>
 FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const Step* steps,
                 int length, VALUE* s, int capacity, intptr_t checkAt,
                 std::vector<Step>* decoded = nullptr);

@@ -17,6 +17,8 @@ public:
     explicit RunWatch(CRunControl* control);
 
     static constexpr int64_t never = INT64_MAX;
+    // Whether a host watches the run, so that the steps must be counted.
+    bool Watched() const { return control != nullptr; }
     // The step count at which the machine must call Check next.
     int64_t NextCheck() const { return nextCheck; }
     // The run has taken `steps` steps, at least NextCheck(). Calls the host's

@@ -5,4 +5,4 @@ for i = 1, 50000 do t = t .. "abab" end
 local gleich = 0
 if s == t then gleich = 1 end
 if s .. "x" == t then gleich = 2 end
-print(gleich)
+print("result " .. gleich)

@@ -7,4 +7,4 @@ for i = 1, 1000000 do
   if a == c then zaehler = zaehler - 1 end
   tmp = a; a = c; c = tmp
 end
-print(zaehler)
+print("result " .. zaehler)

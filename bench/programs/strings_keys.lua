@@ -5,4 +5,4 @@ for i = 1, 1000000 do
   if k < "key5" then vorne = vorne + 1 end
   if k == "key777777" then gefunden = i end
 end
-print(vorne + gefunden)
+print("result " .. vorne + gefunden)

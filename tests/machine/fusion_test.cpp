@@ -105,18 +105,20 @@ struct Outcome {
     Texts messages;
     int p, b, t, failed;
     uint64_t steps;
+    int length;  // of the program
     std::vector<std::pair<int, std::string>> cells;  // tag and payload
 };
 
-Outcome RunMade(unsigned seed, bool fused) {
+// Unwatched, no control is attached, and the steps go uncounted.
+Outcome RunMade(unsigned seed, bool fused, bool watched = true) {
     ProgramBuilder pb;
     CRunControl control;
     control.maxSteps = 4000;  // loops end here, at the same jump either way
     const int frame = ProgramMaker(pb, seed).Make(40);
-    pb.machine.control = &control;
+    pb.machine.control = watched ? &control : nullptr;
     qelkern::fuseSteps = fused;
     Outcome outcome{pb.Run(), pb.machine.p, pb.machine.b, pb.machine.t, pb.machine.failed,
-                    control.stepsTaken, {}};
+                    control.stepsTaken, pb.gen.Label(), {}};
     qelkern::fuseSteps = true;
     // The cells that a program can reach: those of the frame's start and
     // those above its end, as far as 40 pieces can push.
@@ -137,7 +139,7 @@ Outcome RunMade(unsigned seed, bool fused) {
 }  // namespace
 
 TEST(FusedSteps, DoWhatThePlainStepsDo) {
-    int stopped = 0, failed = 0;
+    int stopped = 0, failed = 0, looped = 0;
     for (unsigned seed = 1; seed <= 1000; ++seed) {
         const Outcome plain = RunMade(seed, false);
         const Outcome fused = RunMade(seed, true);
@@ -150,10 +152,23 @@ TEST(FusedSteps, DoWhatThePlainStepsDo) {
         ASSERT_EQ(fused.cells.size(), plain.cells.size()) << "seed " << seed;
         for (size_t i = 0; i < plain.cells.size(); ++i)
             ASSERT_EQ(fused.cells[i], plain.cells[i]) << "seed " << seed << " cell " << i;
-        stopped += plain.messages == Texts{"Skript abgebrochen: Schrittgrenze erreicht."};
+        const bool budgetEnded = plain.messages == Texts{"Skript abgebrochen: Schrittgrenze erreicht."};
+        stopped += budgetEnded;
         failed += plain.failed;
+        if (!plain.failed || budgetEnded) continue;
+        // An error ends this one by itself: so must the loop that counts nothing.
+        const Outcome unwatched = RunMade(seed, true, false);
+        ASSERT_EQ(unwatched.messages, plain.messages) << "seed " << seed;
+        ASSERT_EQ(unwatched.p, plain.p) << "seed " << seed;
+        ASSERT_EQ(unwatched.b, plain.b) << "seed " << seed;
+        ASSERT_EQ(unwatched.t, plain.t) << "seed " << seed;
+        ASSERT_EQ(unwatched.failed, plain.failed) << "seed " << seed;
+        ASSERT_EQ(unwatched.cells, plain.cells) << "seed " << seed;
+        looped += plain.steps > static_cast<uint64_t>(plain.length);
     }
-    // The programs reach both ends: loops that the budget stops, and errors.
+    // The programs reach both ends: loops that the budget stops, and errors,
+    // also behind loops.
     EXPECT_GT(stopped, 100);
     EXPECT_GT(failed - stopped, 100);
+    EXPECT_GT(looped, 10);
 }
