@@ -71,13 +71,22 @@ bool Compile(CParser& parser) {
     return false;
 }
 
+// An error in a routine's entry (its INT, as when the stack overflows) lies
+// in no statement of its own: the place is that of the call, whose return
+// address the new frame holds.
+void CallerPlace(const CGenerator& generator, const CInterpreter& machine, int& line, int& position) {
+    const int cell = machine.b + 2;
+    if (machine.b < 0 || cell >= machine.stackCapacity || machine.stack[cell].type != symInteger) return;
+    generator.SourceOf(machine.stack[cell].intValue - 1, line, position);
+}
+
 // The run-time error with the place of the statement that failed: the
 // machine's `p` stands behind the failing instruction.
 void RecordRuntimeError(const CGenerator& generator, const CInterpreter& machine,
                         bool stoppedByDebugger) {
     int line = -1;
     int position = -1;
-    generator.SourceOf(machine.p - 1, line, position);
+    if (!generator.SourceOf(machine.p - 1, line, position)) CallerPlace(generator, machine, line, position);
     StopCause cause = machine.control != nullptr ? machine.control->stopCause : StopCause::None;
     if (stoppedByDebugger) cause = StopCause::Cancelled;
     const ScriptErrorKind kind =

@@ -97,6 +97,9 @@ TEST(QelCommand, ErrorsExitWithOneAndNameTheirPlace) {
                      R"("message":"Division durch Null"})",
                      ResultLine(0, 0, "run")}));
     EXPECT_EQ(run.err, "<-e>:3:3: Fehler: Division durch Null\n");
+    // The stack overflows at the entry of a routine: the place is the call.
+    const CommandResult deep = Json("PROCEDURE r(n : INTEGER);\nBEGIN\n  r(n)\nEND;\nBEGIN\n  r(0)\nEND.", EmptyDir());
+    EXPECT_EQ(deep.err, Utf8("<-e>:3:3: Fehler: Stacküberlauf.\n"));
 
     // A script file behind a prelude of four lines; an error in the prelude
     // names the prelude. Warnings and scanner errors get their lines too.
