@@ -36,6 +36,8 @@ bool StartsStatement(Symbol sym) {
 void CParser::statement() {
     if (!ok) return;
     WriteString("statement");
+    // Statements are the unit of the generator's table of source places.
+    generator->MarkSource(scanner->symLine, scanner->symPosition);
     NestingGuard depth(*this);
     PlanCodeStore();
     if (debugInfo) debugInfo->Statement(*scanner, generator->Label());

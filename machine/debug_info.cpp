@@ -30,12 +30,6 @@ bool HasOwnCode(Symbol sym) {
     }
 }
 
-// The line of the current symbol. Behind a symbol that ends its line the
-// look-ahead is the line feed, which the scanner has already counted.
-int SymbolLine(const CScanner& scanner) {
-    return scanner.ch == '\n' && !scanner.eof ? scanner.line - 1 : scanner.line;
-}
-
 CString DeclaredTypeName(int type) {
     if (type == symString) return "string";
     VALUE tag;
@@ -73,7 +67,7 @@ void DebugInfo::Statement(const CScanner& scanner, int address) {
     // An outer statement at the same address gives way to the inner one; a
     // start past `address` lies on code that a fixup has taken back.
     while (!statements.empty() && statements.back().address >= address) statements.pop_back();
-    statements.push_back({address, SymbolLine(scanner), 0});
+    statements.push_back({address, scanner.symLine, 0});
 }
 
 void DebugInfo::Routine(const Object& routine, const Object& scope, int codeEnd) {

@@ -1,7 +1,6 @@
 // The parser's frame: construction, the top of the parse, error reporting.
 #include "qelkern/parser.h"
 
-#include <cstring>
 
 #include "pipeline/name_index.h"
 #include "pipeline/nesting.h"
@@ -102,12 +101,7 @@ void CParser::Parse() {
 
 void CParser::EndParser() {}
 
-// Statements are the unit of the generator's table of source places. Every
-// production passes here; the first letter spares most of them the compare.
-void CParser::WriteString(const char* production) {
-    if (production[0] == 's' && std::strcmp(production, "statement") == 0)
-        generator->MarkSource(scanner->symLine, scanner->symPosition);
-}
+void CParser::WriteString(const char*) {}
 
 void CParser::test(Symbol, int) {}
 
