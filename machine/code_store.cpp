@@ -1,0 +1,76 @@
+#include "machine/code_store.h"
+
+#include <sys/mman.h>
+
+#include <cstdint>
+#include <new>
+#include <utility>
+
+namespace qelkern {
+
+namespace {
+
+constexpr uintptr_t hugePage = uintptr_t{2} << 20;
+// A small script stays on small pages: a huge one would take 2 MB for it.
+constexpr uintptr_t smallStoreBytes = uintptr_t{4} << 20;
+
+// Huge pages cut the page faults of a long text's store five-hundredfold;
+// a kernel without them ignores the advice.
+void AdviseHugePages(void* memory, size_t bytes) {
+    const uintptr_t start = reinterpret_cast<uintptr_t>(memory);
+    const uintptr_t from = (start + smallStoreBytes + hugePage - 1) & ~(hugePage - 1);
+    const uintptr_t end = start + bytes;
+    if (from < end) madvise(reinterpret_cast<void*>(from), end - from, MADV_HUGEPAGE);
+}
+
+}  // namespace
+
+CodeStore::CodeStore(size_t wanted, size_t needed) {
+    if (!Map(wanted) && !Map(needed)) throw std::bad_alloc();
+}
+
+CodeStore::~CodeStore() {
+    if (!code) return;
+    for (size_t i = 0; i < constructed; ++i) code[i].~Instruction();
+    munmap(code, mappedBytes);
+}
+
+bool CodeStore::Map(size_t count) {
+    const size_t bytes = count * sizeof(Instruction);
+    if (count == 0 || bytes / sizeof(Instruction) != count) return false;
+    void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
+                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (memory == MAP_FAILED) return false;
+    AdviseHugePages(memory, bytes);
+    code = static_cast<Instruction*>(memory);
+    reserved = count;
+    mappedBytes = bytes;
+    return true;
+}
+
+void CodeStore::GrowTo(size_t count) {
+    if (count > reserved) count = reserved;
+    if (count > constructed) {
+        const uintptr_t page = 4096;
+        const uintptr_t from = reinterpret_cast<uintptr_t>(code + constructed) & ~(page - 1);
+        const uintptr_t to = reinterpret_cast<uintptr_t>(code + count);
+        madvise(reinterpret_cast<void*>(from), to - from, MADV_POPULATE_WRITE);
+    }
+    for (; constructed < count; ++constructed) new (code + constructed) Instruction();
+}
+
+void CodeStore::MoveFrom(CodeStore& from, size_t used) {
+    if (used > from.constructed) used = from.constructed;
+    GrowTo(used);
+    for (size_t i = 0; i < used; ++i) {
+        Instruction& to = code[i];
+        Instruction& old = from.code[i];
+        to.f = old.f;
+        to.l = old.l;
+        to.a = old.a;
+        to.value.MoveFrom(old.value);
+        std::swap(to.comment, old.comment);
+    }
+}
+
+}  // namespace qelkern
