@@ -231,6 +231,7 @@ class QELKERN_API CWordArray : public CArrayT<uint16_t> {};
 // Valid UTF-8 becomes Latin-1, a character beyond Latin-1 becoming '?';
 // anything else is taken as Latin-1 already. A leading byte order mark is dropped.
 QELKERN_API std::string DecodeToLatin1(const std::string& bytes);
+QELKERN_API std::string DecodeToLatin1(std::string&& bytes);
 QELKERN_API bool IsValidUtf8(const std::string& bytes);
 QELKERN_API std::string Latin1ToUtf8(const std::string& latin1);
 QELKERN_API std::string Utf8ToLatin1(const std::string& utf8);
