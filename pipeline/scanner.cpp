@@ -2,33 +2,54 @@
 // reporting errors, splicing text.
 #include "qelkern/scanner.h"
 
+#include <algorithm>
 #include <climits>
 #include <new>
 
+#include "pipeline/char_classes.h"
 #include "pipeline/keywords.h"
 #include "qelkern/parser.h"
 #include "qelkern/userinterface.h"
 #include "pipeline/script_error.h"
 
-namespace {
-
-bool isBlank(char c) { return static_cast<unsigned char>(c) <= 32; }
-
-}  // namespace
-
-int istIdentifierAnfang(char c) {
-    const unsigned char u = static_cast<unsigned char>(c);
-    if (u == '_' || (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z')) return 1;
-    // ä ö ü ß Ä Ö Ü in Latin-1
-    switch (u) {
-        case 0xE4: case 0xF6: case 0xFC: case 0xDF: case 0xC4: case 0xD6: case 0xDC:
-            return 1;
-        default:
-            return 0;
-    }
-}
+int istIdentifierAnfang(char c) { return qelkern::StartsWord(static_cast<unsigned char>(c)) ? 1 : 0; }
 
 int istIdentifierZeichen(char c) { return istIdentifierAnfang(c) || (c >= '0' && c <= '9'); }
+
+namespace {
+
+using qelkern::HasClass;
+
+// The blanks before a symbol, read straight from the buffer: as GetCh would
+// one by one, without its tests for each of them.
+void SkipBlanks(CScanner& s) {
+    if (s.eof || !HasClass(s.ch, qelkern::blankByte)) return;
+    const int end = std::min(s.length, static_cast<int>(s.buffer.size()));
+    int at = s.index;
+    if (at < 0 || at >= end) {
+        s.GetCh();
+        return;
+    }
+    const char* text = s.buffer.data();
+    int line = s.line;
+    int position = s.position;
+    char c = 0;
+    do {
+        c = text[at++];
+        ++position;
+        if (c == '\n') {
+            position = 0;
+            ++line;
+        }
+    } while (HasClass(c, qelkern::blankByte) && at < end);
+    s.index = at;
+    s.line = line;
+    s.position = position;
+    s.ch = c;
+    if (HasClass(c, qelkern::blankByte)) s.GetCh();  // the end of the text
+}
+
+}  // namespace
 
 CScanner::CScanner(char* text, int textLength) {
     PredefinedTypen.DeleteAll();
@@ -66,7 +87,7 @@ void CScanner::GetSym() {
     // A loop rather than recursion: comments and dropped characters in a row
     // must not deepen the native stack.
     for (;;) {
-        while (!eof && isBlank(ch)) GetCh();
+        SkipBlanks(*this);
         symLine = line;
         symPosition = position;
         if (eof) {
@@ -77,7 +98,7 @@ void CScanner::GetSym() {
             Number();
             return;
         }
-        if (istIdentifierAnfang(ch)) {
+        if (HasClass(ch, qelkern::wordStartByte)) {
             Identifier();
             return;
         }
