@@ -1,5 +1,7 @@
 #include "machine/code_store.h"
 
+#include "machine/cell_ops.h"
+
 #include <sys/mman.h>
 
 #include <cstdint>
@@ -29,9 +31,14 @@ CodeStore::CodeStore(size_t wanted, size_t needed) {
     if (!Map(wanted) && !Map(needed)) throw std::bad_alloc();
 }
 
+// An instruction without a text owns nothing, and its storage may go
+// without its destructor: ten million of them are cheaper to leave so.
 CodeStore::~CodeStore() {
     if (!code) return;
-    for (size_t i = 0; i < constructed; ++i) code[i].~Instruction();
+    for (size_t i = 0; i < constructed; ++i) {
+        Instruction& instruction = code[i];
+        if (instruction.value.type == tagString || !instruction.comment.IsEmpty()) instruction.~Instruction();
+    }
     munmap(code, mappedBytes);
 }
 

@@ -53,7 +53,7 @@ std::string_view TakeRun(CScanner& s, qelkern::CharClass belongs, std::string& c
 void CScanner::Identifier() {
     std::string copy;
     const std::string_view word = TakeRun(*this, qelkern::wordByte, copy);
-    id = CString(word);
+    id.Assign(word);
     sym = BuiltInKeyword(word.data(), word.size());
     GetCh();
     if (sym != symIdent) return;
