@@ -1,8 +1,9 @@
 // The language's keywords and their lookup. Keywords are 2 to 9 ASCII
-// letters, so a word is folded to upper case into a small buffer and
+// letters, so a word is folded to upper case, packed into two integers and
 // compared only with the keywords of its length.
 #include "pipeline/keywords.h"
 
+#include <cstdint>
 #include <cstring>
 
 const KeywordRow keywordRows[] = {
@@ -25,15 +26,46 @@ namespace {
 
 constexpr size_t longestKeyword = 9;
 
-// The rows of each length, as indices into keywordRows.
+// A word of up to nine ASCII letters folded to upper case and packed into
+// two integers, so that a keyword is one comparison of numbers; 0 for
+// anything that cannot be a keyword.
+struct Packed {
+    uint64_t head = 0;  // the first eight letters
+    uint64_t tail = 0;  // the ninth, and the length
+    bool operator==(const Packed&) const = default;
+};
+
+Packed Pack(const char* text, size_t length) {
+    Packed packed;
+    if (length < 2 || length > longestKeyword) return {};
+    for (size_t i = 0; i < length; ++i) {
+        char c = text[i];
+        if (c >= 'a' && c <= 'z')
+            c = static_cast<char>(c - 32);
+        else if (c < 'A' || c > 'Z')
+            return {};  // no keyword holds anything but ASCII letters
+        if (i < 8)
+            packed.head |= static_cast<uint64_t>(static_cast<unsigned char>(c)) << (8 * i);
+        else
+            packed.tail = static_cast<unsigned char>(c);
+    }
+    packed.tail |= static_cast<uint64_t>(length) << 8;
+    return packed;
+}
+
+// The rows of each length, packed.
 struct ByLength {
-    int rows[longestKeyword + 1][keywordRowCount];
+    struct Row {
+        Packed packed;
+        Symbol sym;
+    };
+    Row rows[longestKeyword + 1][keywordRowCount];
     int count[longestKeyword + 1] = {};
 
     ByLength() {
         for (int i = 0; i < keywordRowCount; ++i) {
             const size_t length = std::strlen(keywordRows[i].text);
-            rows[length][count[length]++] = i;
+            rows[length][count[length]++] = {Pack(keywordRows[i].text, length), keywordRows[i].sym};
         }
     }
 };
@@ -41,21 +73,11 @@ struct ByLength {
 }  // namespace
 
 Symbol BuiltInKeyword(const char* text, size_t length) {
-    if (length < 2 || length > longestKeyword) return symIdent;
-    char upper[longestKeyword];
-    for (size_t i = 0; i < length; ++i) {
-        const char c = text[i];
-        if (c >= 'a' && c <= 'z')
-            upper[i] = static_cast<char>(c - 32);
-        else if (c >= 'A' && c <= 'Z')
-            upper[i] = c;
-        else
-            return symIdent;  // no keyword holds anything but ASCII letters
-    }
+    const Packed packed = Pack(text, length);
+    if (packed.tail == 0) return symIdent;
     static const ByLength byLength;
     for (int k = 0; k < byLength.count[length]; ++k) {
-        const KeywordRow& row = keywordRows[byLength.rows[length][k]];
-        if (std::memcmp(row.text, upper, length) == 0) return row.sym;
+        if (byLength.rows[length][k].packed == packed) return byLength.rows[length][k].sym;
     }
     return symIdent;
 }
