@@ -1,31 +1,14 @@
 #include "machine/code_store.h"
 
-#include "machine/cell_ops.h"
-
 #include <sys/mman.h>
 
 #include <cstdint>
 #include <new>
 #include <utility>
 
+#include "machine/cell_ops.h"
+
 namespace qelkern {
-
-namespace {
-
-constexpr uintptr_t hugePage = uintptr_t{2} << 20;
-// A small script stays on small pages: a huge one would take 2 MB for it.
-constexpr uintptr_t smallStoreBytes = uintptr_t{4} << 20;
-
-// Huge pages cut the page faults of a long text's store five-hundredfold;
-// a kernel without them ignores the advice.
-void AdviseHugePages(void* memory, size_t bytes) {
-    const uintptr_t start = reinterpret_cast<uintptr_t>(memory);
-    const uintptr_t from = (start + smallStoreBytes + hugePage - 1) & ~(hugePage - 1);
-    const uintptr_t end = start + bytes;
-    if (from < end) madvise(reinterpret_cast<void*>(from), end - from, MADV_HUGEPAGE);
-}
-
-}  // namespace
 
 CodeStore::CodeStore(size_t wanted, size_t needed) {
     if (!Map(wanted) && !Map(needed)) throw std::bad_alloc();
@@ -48,7 +31,6 @@ bool CodeStore::Map(size_t count) {
     void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
                         MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (memory == MAP_FAILED) return false;
-    AdviseHugePages(memory, bytes);
     code = static_cast<Instruction*>(memory);
     reserved = count;
     mappedBytes = bytes;
@@ -57,6 +39,7 @@ bool CodeStore::Map(size_t count) {
 
 void CodeStore::GrowTo(size_t count) {
     if (count > reserved) count = reserved;
+    // The pages of a step are taken in one call rather than fault by fault.
     if (count > constructed) {
         const uintptr_t page = 4096;
         const uintptr_t from = reinterpret_cast<uintptr_t>(code + constructed) & ~(page - 1);
