@@ -13,6 +13,8 @@ namespace {
 
 using qelkern::HasClass;
 
+constexpr size_t heldBackRun = 512;
+
 // Decimal digits as strtol reads them; what does not fit in 32 bits saturates.
 int SaturatedInteger(std::string_view digits) {
     long long number = 0;
@@ -28,11 +30,14 @@ int SaturatedInteger(std::string_view digits) {
 // line feed, so only `position` moves. The run is looked at in the buffer,
 // where `ch` stands just before `index`; `copy` holds it where it does not.
 std::string_view TakeRun(CScanner& s, qelkern::CharClass belongs, std::string& copy) {
-    const int end = std::min(s.length, static_cast<int>(s.buffer.size()));
     const int start = s.index;
     int stop = start;
-    if (stop >= 0)
+    while (stop >= 0) {
+        const int end = std::min(s.length, static_cast<int>(s.buffer.size()));
         while (stop < end && HasClass(s.buffer[static_cast<size_t>(stop)], belongs)) ++stop;
+        // A run that reaches the held-back text goes on in it.
+        if (stop < end || stop >= s.length || !s.FetchHeldBack(heldBackRun)) break;
+    }
     std::string_view run;
     if (start >= 1 && stop > start - 1 && s.buffer[static_cast<size_t>(start - 1)] == s.ch) {
         run = std::string_view(s.buffer.data() + start - 1, static_cast<size_t>(stop - start + 1));

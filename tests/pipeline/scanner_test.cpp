@@ -156,3 +156,39 @@ TEST(Scanner, InsertTextFollowsTheLookAhead) {
         EXPECT_EQ(s.line, c.line) << c.source;
     }
 }
+
+// The text behind an insertion is held back and fetched in steps as it is
+// read: a word across a step, lines, and many insertions in a row must come
+// out as from one spliced text.
+TEST(Scanner, HeldBackTextReadsAsIfSplicedInPlace) {
+    const std::string longWord(10000, 'w');
+    std::string source = "a";
+    Words original;
+    for (int i = 0; i < 3000; ++i) {
+        source += " n" + std::to_string(i) + (i % 7 == 0 ? "\n" : "");
+        original.push_back(("n" + std::to_string(i)).c_str());
+    }
+    source += " " + longWord + "\nz";
+    original.push_back(longWord.c_str());
+    original.push_back("z");
+    Scan s(source);
+    s.GetSym();
+    Words spliced, expected;
+    for (int i = 0; i < 500; ++i) {
+        // Each text is read up to its end, so the next comes behind it.
+        s.InsertText(i % 2 ? " p q\n" : " r ");
+        for (const char* word : {"p", "q"}) {
+            if (i % 2 == 0 && word[0] == 'q') break;
+            s.GetSym();
+            spliced.push_back(s.id);
+            expected.push_back(i % 2 ? word : "r");
+        }
+    }
+    EXPECT_EQ(spliced, expected);
+    EXPECT_EQ(s.line, 250);
+    EXPECT_EQ(s.length, static_cast<int>(source.size()) + 250 * 5 + 250 * 3);
+    EXPECT_EQ(Rest(s), original);
+    EXPECT_EQ(s.line, 250 + 429 + 1);
+    EXPECT_EQ(s.position, 2);
+    EXPECT_TRUE(s.HeldBack().empty());
+}
