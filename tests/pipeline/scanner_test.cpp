@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "pipeline/keywords.h"
 #include "support/test_support.h"
 
 namespace {
@@ -98,6 +99,18 @@ TEST(Scanner, Symbols) {
     // A colon or '<' as the very last character must not read past the text.
     EXPECT_EQ(SymbolsOf("x :"), (Symbols{symIdent, symColon}));
     EXPECT_EQ(SymbolsOf("<"), (Symbols{symLess}));
+
+    // Every keyword in any case; words one letter off or longer are names.
+    for (int row = 0; row < keywordRowCount; ++row) {
+        std::string word = keywordRows[row].text;
+        std::string mixed = word;
+        for (size_t i = 0; i < mixed.size(); i += 2) mixed[i] = static_cast<char>(mixed[i] + 32);
+        std::string offByOne = word;
+        offByOne.back() = offByOne.back() == 'Z' ? 'Y' : static_cast<char>(offByOne.back() + 1);
+        EXPECT_EQ(SymbolsOf(mixed + " " + word + "S " + offByOne + " " + word + "\xE4"),
+                  (Symbols{keywordRows[row].sym, symIdent, symIdent, symIdent}))
+            << word;
+    }
 
     Scan s("");  // the keyword table holds 40 rows at most
     EXPECT_EQ(s.keywordCount, 36);
