@@ -26,23 +26,24 @@ CGenerator::CGenerator(CInterpreter* machine) : interpreter(machine) {}
 
 CGenerator::~CGenerator() = default;
 
+// Both take their arguments by value, so they move them into the slot.
 void CGenerator::Gen(int f, int l, intptr_t a, CString comment) {
-    TesteCode(codeReserve);
+    if (cx + codeReserve > interpreter->codeCapacity) TesteCode(codeReserve);
     Instruction& slot = interpreter->code[cx];
     slot.f = static_cast<uint8_t>(f);
     slot.l = l;
     slot.a = a;
-    slot.comment = comment;
+    slot.comment = std::move(comment);
     ++cx;
 }
 
 void CGenerator::Gen(int f, int l, VALUE value, CString comment) {
-    TesteCode(codeReserve);
+    if (cx + codeReserve > interpreter->codeCapacity) TesteCode(codeReserve);
     Instruction& slot = interpreter->code[cx];
     slot.f = static_cast<uint8_t>(f);
     slot.l = l;
-    slot.value = value;
-    slot.comment = comment;
+    slot.value.MoveFrom(value);
+    slot.comment = std::move(comment);
     ++cx;
 }
 

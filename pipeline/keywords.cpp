@@ -1,6 +1,6 @@
 // The language's keywords and their lookup. Keywords are 2 to 9 ASCII
-// letters, so a word is folded to upper case, packed into two integers and
-// compared only with the keywords of its length.
+// letters, so a word is compared only with the keywords of its length and
+// first letter.
 #include "pipeline/keywords.h"
 
 #include <cstdint>
@@ -25,59 +25,50 @@ const int keywordRowCount = sizeof keywordRows / sizeof keywordRows[0];
 namespace {
 
 constexpr size_t longestKeyword = 9;
+constexpr int letters = 26;
+constexpr int rowsPerCell = 4;
 
-// A word of up to nine ASCII letters folded to upper case and packed into
-// two integers, so that a keyword is one comparison of numbers; 0 for
-// anything that cannot be a keyword.
-struct Packed {
-    uint64_t head = 0;  // the first eight letters
-    uint64_t tail = 0;  // the ninth, and the length
-    bool operator==(const Packed&) const = default;
-};
+// The rows by length and first letter: most words are ruled out by a
+// look at both, the rest compared with a row or two.
+struct ByLengthAndLetter {
+    int8_t rows[longestKeyword + 1][letters][rowsPerCell];
 
-Packed Pack(const char* text, size_t length) {
-    Packed packed;
-    if (length < 2 || length > longestKeyword) return {};
-    for (size_t i = 0; i < length; ++i) {
-        char c = text[i];
-        if (c >= 'a' && c <= 'z')
-            c = static_cast<char>(c - 32);
-        else if (c < 'A' || c > 'Z')
-            return {};  // no keyword holds anything but ASCII letters
-        if (i < 8)
-            packed.head |= static_cast<uint64_t>(static_cast<unsigned char>(c)) << (8 * i);
-        else
-            packed.tail = static_cast<unsigned char>(c);
-    }
-    packed.tail |= static_cast<uint64_t>(length) << 8;
-    return packed;
-}
-
-// The rows of each length, packed.
-struct ByLength {
-    struct Row {
-        Packed packed;
-        Symbol sym;
-    };
-    Row rows[longestKeyword + 1][keywordRowCount];
-    int count[longestKeyword + 1] = {};
-
-    ByLength() {
+    ByLengthAndLetter() {
+        std::memset(rows, -1, sizeof rows);
         for (int i = 0; i < keywordRowCount; ++i) {
-            const size_t length = std::strlen(keywordRows[i].text);
-            rows[length][count[length]++] = {Pack(keywordRows[i].text, length), keywordRows[i].sym};
+            const char* text = keywordRows[i].text;
+            int8_t* cell = rows[std::strlen(text)][text[0] - 'A'];
+            int k = 0;
+            while (cell[k] >= 0) ++k;
+            cell[k] = static_cast<int8_t>(i);
         }
     }
 };
 
+// The index of `c` as an ASCII letter in either case; -1 for anything else.
+int LetterIndex(char c) {
+    if (c >= 'A' && c <= 'Z') return c - 'A';
+    if (c >= 'a' && c <= 'z') return c - 'a';
+    return -1;
+}
+
+bool SpellsKeyword(const char* text, size_t length, const char* keyword) {
+    for (size_t i = 1; i < length; ++i) {
+        if (LetterIndex(text[i]) != keyword[i] - 'A') return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 Symbol BuiltInKeyword(const char* text, size_t length) {
-    const Packed packed = Pack(text, length);
-    if (packed.tail == 0) return symIdent;
-    static const ByLength byLength;
-    for (int k = 0; k < byLength.count[length]; ++k) {
-        if (byLength.rows[length][k].packed == packed) return byLength.rows[length][k].sym;
+    if (length < 2 || length > longestKeyword) return symIdent;
+    const int first = LetterIndex(text[0]);
+    if (first < 0) return symIdent;
+    static const ByLengthAndLetter table;
+    for (int8_t row : table.rows[length][first]) {
+        if (row < 0) break;
+        if (SpellsKeyword(text, length, keywordRows[row].text)) return keywordRows[row].sym;
     }
     return symIdent;
 }
