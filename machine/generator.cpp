@@ -26,14 +26,15 @@ CGenerator::CGenerator(CInterpreter* machine) : interpreter(machine) {}
 
 CGenerator::~CGenerator() = default;
 
-// Both take their arguments by value, so they move them into the slot.
+// The value is taken by value, so it moves into the slot; a comment is
+// mostly empty, which the inline copy passes over.
 void CGenerator::Gen(int f, int l, intptr_t a, CString comment) {
     if (cx + codeReserve > interpreter->codeCapacity) TesteCode(codeReserve);
     Instruction& slot = interpreter->code[cx];
     slot.f = static_cast<uint8_t>(f);
     slot.l = l;
     slot.a = a;
-    slot.comment = std::move(comment);
+    slot.comment = comment;
     ++cx;
 }
 
@@ -43,7 +44,7 @@ void CGenerator::Gen(int f, int l, VALUE value, CString comment) {
     slot.f = static_cast<uint8_t>(f);
     slot.l = l;
     slot.value.MoveFrom(value);
-    slot.comment = std::move(comment);
+    slot.comment = comment;
     ++cx;
 }
 

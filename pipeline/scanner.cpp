@@ -74,9 +74,11 @@ void CScanner::EnterKW(Symbol symbol, const char* text) {
 
 void CScanner::GetCh() {
     ++position;
-    if (index >= 0 && index < length && index >= static_cast<int>(buffer.size())) FetchHeldBack(heldBackStep);
-    // `length` is public; the buffer's own size is the hard bound.
-    if (index >= 0 && index < length && index < static_cast<int>(buffer.size())) {
+    // `length` is public; the buffer's own size is the hard bound, up to
+    // the text that an insertion holds back.
+    if (index >= 0 && index < length &&
+        (index < static_cast<int>(buffer.size()) ||
+         (FetchHeldBack(heldBackStep) && index < static_cast<int>(buffer.size())))) {
         ch = buffer[static_cast<size_t>(index)];
         ++index;
         if (ch == '\n') {
