@@ -109,7 +109,9 @@ int RunRequested(const QelOptions& options) {
     if (!options.compileOnly) return RunScript(dir.c_str(), options.scriptFile.c_str(), showErrors);
     CString text;
     LeseTextAusDatei(options.scriptFile.c_str(), text);
-    return RunText(dir, text.str(), showErrors, false);
+    // RunScript only reads the text; a long script is not copied once more for it.
+    return RunScript(dir.c_str(), const_cast<char*>(static_cast<const char*>(text)), text.GetLength(),
+                     showErrors, false);
 }
 
 // Nothing in the engine throws at run time, but a host must not die of it.

@@ -2,6 +2,7 @@
 
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <utility>
@@ -15,12 +16,15 @@ CodeStore::CodeStore(size_t wanted, size_t needed) {
 }
 
 // An instruction without a text owns nothing, and its storage may go
-// without its destructor: ten million of them are cheaper to leave so.
+// without its destructor: ten million of them are cheaper to leave so than
+// to read once more.
 CodeStore::~CodeStore() {
     if (!code) return;
-    for (size_t i = 0; i < constructed; ++i) {
-        Instruction& instruction = code[i];
-        if (instruction.value.type == tagString || !instruction.comment.IsEmpty()) instruction.~Instruction();
+    for (size_t word = 0; word < ownsText.size(); ++word) {
+        for (uint64_t bits = ownsText[word]; bits != 0; bits &= bits - 1) {
+            const size_t address = word * 64 + static_cast<size_t>(__builtin_ctzll(bits));
+            if (address < constructed) code[address].~Instruction();
+        }
     }
     munmap(code, mappedBytes);
 }
@@ -46,6 +50,7 @@ void CodeStore::GrowTo(size_t count) {
         const uintptr_t to = reinterpret_cast<uintptr_t>(code + count);
         madvise(reinterpret_cast<void*>(from), to - from, MADV_POPULATE_WRITE);
     }
+    if (count > constructed) ownsText.resize((count + 63) / 64);
     for (; constructed < count; ++constructed) new (code + constructed) Instruction();
 }
 
@@ -61,6 +66,8 @@ void CodeStore::MoveFrom(CodeStore& from, size_t used) {
         to.value.MoveFrom(old.value);
         std::swap(to.comment, old.comment);
     }
+    std::copy(from.ownsText.begin(), from.ownsText.begin() + static_cast<std::ptrdiff_t>((used + 63) / 64),
+              ownsText.begin());
 }
 
 }  // namespace qelkern

@@ -4,6 +4,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <vector>
 
 #include "qelkern/machine.h"
 
@@ -25,6 +27,10 @@ public:
     void GrowTo(size_t count);
     // Takes the first `used` instructions of `from`, leaving default ones there.
     void MoveFrom(CodeStore& from, size_t used);
+    // The instruction at `address` may own a text (a string value or a
+    // comment): only such are destroyed one by one. The generator, which
+    // alone fills the store, tells each one it writes.
+    void NoteTextAt(size_t address) { ownsText[address / 64] |= uint64_t{1} << (address % 64); }
 
 private:
     bool Map(size_t count);
@@ -33,6 +39,7 @@ private:
     size_t constructed = 0;
     size_t reserved = 0;
     size_t mappedBytes = 0;
+    std::vector<uint64_t> ownsText;  // a bit for each constructed instruction
 };
 
 }  // namespace qelkern

@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "machine/cell_ops.h"
 #include "machine/code_store.h"
 #include "platform/memory_budget.h"
 #include "qelkern/machine.h"
@@ -35,6 +36,7 @@ void CGenerator::Gen(int f, int l, intptr_t a, CString comment) {
     slot.l = l;
     slot.a = a;
     slot.comment = comment;
+    if (!comment.IsEmpty()) interpreter->codeStore->NoteTextAt(static_cast<size_t>(cx));
     ++cx;
 }
 
@@ -45,6 +47,8 @@ void CGenerator::Gen(int f, int l, VALUE value, CString comment) {
     slot.l = l;
     slot.value.MoveFrom(value);
     slot.comment = comment;
+    if (slot.value.type == qelkern::tagString || !comment.IsEmpty())
+        interpreter->codeStore->NoteTextAt(static_cast<size_t>(cx));
     ++cx;
 }
 

@@ -67,14 +67,16 @@ TEST(Generator, CodeStoreStepsAreChargedAndOutgrowTheReservation) {
         ProgramBuilder pb;
         if (planned) pb.gen.ForeseeCode(1200000);
         const Instruction* const first = pb.machine.code;
+        pb.Lit(Text("kept"), "with a text that must move along");
         const size_t before = budget.Used();
-        for (int i = 0; i < 9902; ++i) pb.Ins(JMP, 0, i);
+        for (int i = 1; i < 9902; ++i) pb.Ins(JMP, 0, i);
         EXPECT_EQ(budget.Used() - before, 10000 * sizeof(Instruction));
         for (int i = 9902; i < 1100000; ++i) pb.Ins(JMP, 0, i);
         EXPECT_EQ(pb.machine.codeCapacity, 1110000);
         EXPECT_EQ(budget.Used() - before, 1100000 * sizeof(Instruction));
         EXPECT_EQ(pb.machine.code == first, planned);
-        EXPECT_EQ(pb.machine.code[0].a, 0);
+        EXPECT_EQ(pb.machine.code[0].GetText(0), "0:\tLIT \"kept\", \"with a text that must move along\"\n");
+        EXPECT_EQ(pb.machine.code[1].a, 1);
         EXPECT_EQ(pb.machine.code[1099999].a, 1099999);
         EXPECT_EQ(pb.machine.code[1100000].f, LIT);
     }
