@@ -9,6 +9,7 @@
 
 #include "pipeline/char_classes.h"
 #include "pipeline/keywords.h"
+#include "pipeline/scanner_step.h"
 #include "qelkern/parser.h"
 #include "qelkern/userinterface.h"
 #include "pipeline/script_error.h"
@@ -20,6 +21,7 @@ int istIdentifierZeichen(char c) { return istIdentifierAnfang(c) || (c >= '0' &&
 namespace {
 
 using qelkern::HasClass;
+using qelkern::NextCh;
 
 // Held-back text comes in steps this large: an insertion moves back at most
 // one step that is not yet read.
@@ -112,55 +114,55 @@ void CScanner::GetSym() {
         }
         switch (ch) {
             case '"': string(); return;
-            case '#': sym = symNotEqual; GetCh(); return;
+            case '#': sym = symNotEqual; NextCh(*this); return;
             case '(':
-                GetCh();
+                NextCh(*this);
                 if (ch == '*') {
                     comment();
                     continue;
                 }
                 sym = symLeftParen;
                 return;
-            case ')': sym = symRightParen; GetCh(); return;
-            case '*': sym = symTimes; GetCh(); return;
-            case '+': sym = symPlus; GetCh(); return;
-            case ',': sym = symComma; GetCh(); return;
-            case '-': sym = symMinus; GetCh(); return;
-            case '.': sym = symPeriod; GetCh(); return;
-            case '/': sym = symDivide; GetCh(); return;
+            case ')': sym = symRightParen; NextCh(*this); return;
+            case '*': sym = symTimes; NextCh(*this); return;
+            case '+': sym = symPlus; NextCh(*this); return;
+            case ',': sym = symComma; NextCh(*this); return;
+            case '-': sym = symMinus; NextCh(*this); return;
+            case '.': sym = symPeriod; NextCh(*this); return;
+            case '/': sym = symDivide; NextCh(*this); return;
             case ':':
-                GetCh();
+                NextCh(*this);
                 if (ch == '=') {
-                    GetCh();
+                    NextCh(*this);
                     sym = symBecomes;
                 } else {
                     sym = symColon;
                 }
                 return;
-            case ';': sym = symSemicolon; GetCh(); return;
+            case ';': sym = symSemicolon; NextCh(*this); return;
             case '<':
-                GetCh();
+                NextCh(*this);
                 if (ch == '=') {
-                    GetCh();
+                    NextCh(*this);
                     sym = symLessEqual;
                 } else {
                     sym = symLess;
                 }
                 return;
-            case '=': sym = symEqual; GetCh(); return;
+            case '=': sym = symEqual; NextCh(*this); return;
             case '>':
-                GetCh();
+                NextCh(*this);
                 if (ch == '=') {
-                    GetCh();
+                    NextCh(*this);
                     sym = symGreaterEqual;
                 } else {
                     sym = symGreater;
                 }
                 return;
-            case '[': sym = symLeftBracket; GetCh(); return;
-            case ']': sym = symRightBracket; GetCh(); return;
+            case '[': sym = symLeftBracket; NextCh(*this); return;
+            case ']': sym = symRightBracket; NextCh(*this); return;
             default:
-                GetCh();  // dropped without a message
+                NextCh(*this);  // dropped without a message
                 continue;
         }
     }

@@ -6,6 +6,7 @@
 
 #include "pipeline/char_classes.h"
 #include "pipeline/keywords.h"
+#include "pipeline/scanner_step.h"
 #include "qelkern/numbers.h"
 #include "qelkern/scanner.h"
 
@@ -28,8 +29,10 @@ int SaturatedInteger(std::string_view digits) {
 // `ch` and the run of bytes behind it of class `belongs`; then reads the
 // character behind the run, as GetCh would one by one. No byte of a run is a
 // line feed, so only `position` moves. The run is looked at in the buffer,
-// where `ch` stands just before `index`; `copy` holds it where it does not.
-std::string_view TakeRun(CScanner& s, qelkern::CharClass belongs, std::string& copy) {
+// where `ch` stands just before `index`, and copied only where it does not:
+// valid up to the next run.
+std::string_view TakeRun(CScanner& s, qelkern::CharClass belongs) {
+    thread_local std::string copy;
     const int start = s.index;
     int stop = start;
     while (stop >= 0) {
@@ -56,11 +59,10 @@ std::string_view TakeRun(CScanner& s, qelkern::CharClass belongs, std::string& c
 // The language's own keywords are found by BuiltInKeyword; rows that a host
 // entered behind them are searched in turn.
 void CScanner::Identifier() {
-    std::string copy;
-    const std::string_view word = TakeRun(*this, qelkern::wordByte, copy);
+    const std::string_view word = TakeRun(*this, qelkern::wordByte);
     id.Assign(word);
     sym = BuiltInKeyword(word.data(), word.size());
-    GetCh();
+    qelkern::NextCh(*this);
     if (sym != symIdent) return;
     for (int row = keywordRowCount; row < keywordCount; ++row) {
         if (id.CompareNoCase(keywords[row].name) == 0) {
@@ -72,11 +74,10 @@ void CScanner::Identifier() {
 
 void CScanner::Number() {
     sym = symNumber;
-    std::string copy;
-    const std::string_view digits = TakeRun(*this, qelkern::numberByte, copy);
+    const std::string_view digits = TakeRun(*this, qelkern::numberByte);
     if (digits.find('.') == std::string_view::npos) {
         value = SaturatedInteger(digits);
-        GetCh();
+        qelkern::NextCh(*this);
         return;
     }
     const std::string text(digits);
