@@ -32,7 +32,6 @@ int SaturatedInteger(std::string_view digits) {
 // where `ch` stands just before `index`, and copied only where it does not:
 // valid up to the next run.
 std::string_view TakeRun(CScanner& s, qelkern::CharClass belongs) {
-    thread_local std::string copy;
     const int start = s.index;
     int stop = start;
     while (stop >= 0) {
@@ -45,6 +44,7 @@ std::string_view TakeRun(CScanner& s, qelkern::CharClass belongs) {
     if (start >= 1 && stop > start - 1 && s.buffer[static_cast<size_t>(start - 1)] == s.ch) {
         run = std::string_view(s.buffer.data() + start - 1, static_cast<size_t>(stop - start + 1));
     } else {
+        thread_local std::string copy;
         copy.assign(1, s.ch);
         if (stop > start) copy.append(s.buffer.data() + start, static_cast<size_t>(stop - start));
         run = copy;
