@@ -113,7 +113,7 @@ void CParser::PlanCodeStore() {
 }
 
 void CParser::IdentifierStatement() {
-    Object* entry = find(scanner->id);
+    Object* entry = FindName(scanner->id);
     // Inside its body a function's name on the left is its result cell.
     if (entry->objectClass == Func) entry = find("(" + scanner->id);
     if (entry->objectClass == Proc) {
