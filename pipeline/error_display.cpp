@@ -2,9 +2,7 @@
 // line under the line of the error, then an exception that ends the compile.
 #include <algorithm>
 #include <climits>
-#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "qelkern/machine.h"
 #include "qelkern/parser.h"
@@ -32,13 +30,8 @@ std::string MarkedText(const CScanner& scanner, const std::string& marker) {
     std::string marked;
     long long lineFeeds = 0;
     bool inserted = false;
-    const std::vector<char>& heldBack = scanner.HeldBack();
-    const int whole = std::min<int64_t>(scanner.length, static_cast<int64_t>(scanner.buffer.size()) +
-                                                            static_cast<int64_t>(heldBack.size()));
-    marked.reserve(static_cast<size_t>(std::max(whole, 0)) + marker.size() + 1);
-    for (int i = 0; i < whole; ++i) {
-        const char c = i < available ? scanner.buffer[static_cast<size_t>(i)]
-                                     : heldBack[heldBack.size() - 1 - static_cast<size_t>(i - available)];
+    for (int i = 0; i < available; ++i) {
+        const char c = scanner.buffer[static_cast<size_t>(i)];
         marked += c;
         if (c == '\n' && ++lineFeeds == markAfter) {
             marked += marker;

@@ -14,8 +14,6 @@ namespace {
 
 using qelkern::HasClass;
 
-constexpr size_t heldBackRun = 512;
-
 // Decimal digits as strtol reads them; what does not fit in 32 bits saturates.
 int SaturatedInteger(std::string_view digits) {
     long long number = 0;
@@ -32,14 +30,11 @@ int SaturatedInteger(std::string_view digits) {
 // where `ch` stands just before `index`, and copied only where it does not:
 // valid up to the next run.
 std::string_view TakeRun(CScanner& s, qelkern::CharClass belongs) {
+    const int end = std::min(s.length, static_cast<int>(s.buffer.size()));
     const int start = s.index;
     int stop = start;
-    while (stop >= 0) {
-        const int end = std::min(s.length, static_cast<int>(s.buffer.size()));
+    if (stop >= 0)
         while (stop < end && HasClass(s.buffer[static_cast<size_t>(stop)], belongs)) ++stop;
-        // A run that reaches the held-back text goes on in it.
-        if (stop < end || stop >= s.length || !s.FetchHeldBack(heldBackRun)) break;
-    }
     std::string_view run;
     if (start >= 1 && stop > start - 1 && s.buffer[static_cast<size_t>(start - 1)] == s.ch) {
         run = std::string_view(s.buffer.data() + start - 1, static_cast<size_t>(stop - start + 1));

@@ -1,5 +1,5 @@
 // GetCh's common case, inline for the scanner's own readers: the next byte of
-// the buffer. The rest (the end, held-back text) goes to GetCh.
+// the buffer. The rest (the end of the text) goes to GetCh.
 #pragma once
 
 #include "qelkern/scanner.h"

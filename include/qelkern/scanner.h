@@ -14,15 +14,8 @@ public:
 
     void GetSym();
     void GetCh();
-    // Splices text into the stream behind the look-ahead character. The text
-    // that followed is held back and joins `buffer` as reading reaches it,
-    // so that many insertions cost no more than their own text; `length`
-    // counts it all along.
+    // Splices text into the stream behind the look-ahead character.
     void InsertText(CString text);
-    // Appends up to `count` held-back bytes to `buffer`; false if none are held back.
-    bool FetchHeldBack(size_t count);
-    // The text held back behind `buffer`, its last byte first.
-    const std::vector<char>& HeldBack() const { return heldBack; }
     void Mark(CString message);
     void EnterKW(Symbol sym, const char* text);
     void Identifier();
@@ -49,9 +42,6 @@ public:
     // Where the current symbol starts, counted as `line` and `position`.
     int symLine = 0;
     int symPosition = 0;
-
-private:
-    std::vector<char> heldBack;
 };
 
 /// Compiles and runs a script on the caller's thread.
