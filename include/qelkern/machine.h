@@ -160,6 +160,8 @@ public:
     int TesteStack(int n);
     void err(CString text);
 
+    // Filled by CGenerator. Only the texts that Gen writes are released with
+    // the store: a host that patches an instruction itself gives it no text.
     Instruction* code;
     int p = 0;
     int b = 0;
