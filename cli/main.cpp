@@ -94,10 +94,9 @@ void SetLimits(const QelOptions& options, CRunControl& control) {
     control.maxMemoryBytes = static_cast<size_t>(options.maxMemoryBytes);
 }
 
-int RunText(const std::string& dir, const std::string& latin1, bool showErrors, bool run) {
-    std::vector<char> buffer(latin1.begin(), latin1.end());
-    buffer.push_back('\0');
-    return RunScript(dir.c_str(), buffer.data(), static_cast<int>(latin1.size()), showErrors, run);
+int RunText(const std::string& dir, std::string latin1, bool showErrors, bool run) {
+    const int length = static_cast<int>(latin1.size());
+    return RunScript(dir.c_str(), latin1.data(), length, showErrors, run);
 }
 
 int RunRequested(const QelOptions& options) {
@@ -110,7 +109,9 @@ int RunRequested(const QelOptions& options) {
     if (!options.compileOnly) return RunScript(dir.c_str(), options.scriptFile.c_str(), showErrors);
     CString text;
     LeseTextAusDatei(options.scriptFile.c_str(), text);
-    return RunText(dir, text.str(), showErrors, false);
+    // RunScript only reads the text; a long script is not copied once more for it.
+    return RunScript(dir.c_str(), const_cast<char*>(static_cast<const char*>(text)), text.GetLength(),
+                     showErrors, false);
 }
 
 // Nothing in the engine throws at run time, but a host must not die of it.

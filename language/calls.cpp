@@ -86,7 +86,7 @@ bool CParser::VariableArgument(Object* routine, Object* parameter, CPtrArray& li
         err("Variable erwartet.");
         return false;
     }
-    Object* variable = find(scanner->id);
+    Object* variable = FindName(scanner->id);
     if (parameter->isReference) list.Add(variable);
     if (variable->objectClass != Var) {
         err("Variable erwartet.");

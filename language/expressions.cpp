@@ -211,7 +211,7 @@ Symbol CParser::NegativeLiteral() {
 }
 
 Symbol CParser::IdentifierFactor() {
-    Object* entry = find(scanner->id);
+    Object* entry = FindName(scanner->id);
     switch (entry->objectClass) {
     case Const:
         generator->Gen(LIT, 0, entry->value);
@@ -245,7 +245,7 @@ Symbol CParser::High() {
         err("HIGH erwartet Array-Variable.");
         return symNull;
     }
-    Object* entry = find(scanner->id);
+    Object* entry = FindName(scanner->id);
     if (entry->objectClass != Var || entry->Type() != symArray) {
         err("HIGH erwartet Array-Variable.");
         return symNull;

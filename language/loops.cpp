@@ -84,7 +84,7 @@ Object* CParser::ForAssignment() {
         err("FOR erwartet Zuweisung an Schleifenvariable");
         return nullptr;
     }
-    Object* variable = find(scanner->id);
+    Object* variable = FindName(scanner->id);
     if (variable->objectClass != Var) {
         err("FOR erwartet Zuweisung an Schleifenvariable");
         return nullptr;

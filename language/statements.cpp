@@ -2,16 +2,15 @@
 // IF, and the jumps BREAK, CONTINUE and EXIT.
 #include <algorithm>
 #include <cstdint>
-#include <new>
 
 #include "language/productions.h"
 #include "machine/debug_info.h"
 #include "qelkern/machine.h"
-#include "qelkern/runcontrol.h"
 
 namespace {
 
-constexpr int64_t planMargin = 1000;
+// More than a step of the store's growth, so that the plan comes before the store is full.
+constexpr int64_t planMargin = 20000;
 
 bool StartsStatement(Symbol sym) {
     switch (sym) {
@@ -94,34 +93,27 @@ void CParser::statements(const CWordArray& stopSymbols) {
     }
 }
 
-// Doubling alone would construct and copy the code store a dozen times on a
-// long text. Once the store is nearly full it is grown for the rest of the
-// text at the rate of code per byte read so far, and by a quarter at least,
-// so that a rate that rises late still costs a constant per instruction. An
-// odd start (a big array copied early) must not claim too much: at most
-// eightfold at once, or one instruction for every two bytes of text.
+// A store that outgrows its reservation moves, and on a long text it would
+// move a dozen times. Once the reservation is nearly full it is made for the
+// rest of the text at the rate of code per byte read so far, and a quarter
+// larger at least, so that a rate that rises late still costs a constant per
+// instruction. An odd start (a big array copied early) must not claim too
+// much: at most eightfold at once, or one instruction for every two bytes of
+// text. Reserving takes address space, not memory, and charges nothing.
 void CParser::PlanCodeStore() {
-    // A host's memory limit charges the whole store: it grows only as needed.
-    const CRunControl* control = generator->interpreter->control;
-    if (control != nullptr && control->maxMemoryBytes > 0) return;
-    const int64_t capacity = generator->interpreter->codeCapacity;
+    const int64_t room = generator->CodeRoom();
     const int64_t used = generator->cx;
-    if (used + planMargin < capacity) return;
+    if (used + planMargin < room) return;
     const int64_t read = scanner->index;
     const int64_t total = scanner->length;
     if (read <= 0 || total < read) return;
     const int64_t projected = (used * total / read) * 17 / 16 + planMargin;
-    const int64_t wanted = std::max(std::min(projected, std::max(8 * capacity, total / 2)),
-                                    capacity + capacity / 4 + planMargin);
-    try {
-        generator->ReserveCode(wanted);
-    } catch (const std::bad_alloc&) {
-        // Doubling carries on from here as for any text.
-    }
+    generator->ForeseeCode(std::max(std::min(projected, std::max(8 * room, total / 2)),
+                                    room + room / 4 + planMargin));
 }
 
 void CParser::IdentifierStatement() {
-    Object* entry = find(scanner->id);
+    Object* entry = FindName(scanner->id);
     // Inside its body a function's name on the left is its result cell.
     if (entry->objectClass == Func) entry = find("(" + scanner->id);
     if (entry->objectClass == Proc) {

@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <utility>
 
+#include "machine/cell_ops.h"
+#include "machine/code_store.h"
 #include "platform/memory_budget.h"
 #include "qelkern/machine.h"
-#include "qelkern/runcontrol.h"
 #include "pipeline/script_error.h"
 
 // Name of the listing file; empty switches the listing off.
@@ -17,15 +19,7 @@ namespace {
 
 constexpr int codeReserve = 100;
 constexpr int codeSpare = 10;
-
-// Moves without copying texts; `from` is about to be deleted.
-void MoveInstruction(Instruction& to, Instruction& from) {
-    to.f = from.f;
-    to.l = from.l;
-    to.a = from.a;
-    to.value.MoveFrom(from.value);
-    std::swap(to.comment, from.comment);
-}
+constexpr int64_t codeStep = 10000;
 
 }  // namespace
 
@@ -33,23 +27,28 @@ CGenerator::CGenerator(CInterpreter* machine) : interpreter(machine) {}
 
 CGenerator::~CGenerator() = default;
 
+// The value is taken by value, so it moves into the slot; a comment is
+// mostly empty, which the inline copy passes over.
 void CGenerator::Gen(int f, int l, intptr_t a, CString comment) {
-    TesteCode(codeReserve);
+    if (cx + codeReserve > interpreter->codeCapacity) TesteCode(codeReserve);
     Instruction& slot = interpreter->code[cx];
     slot.f = static_cast<uint8_t>(f);
     slot.l = l;
     slot.a = a;
     slot.comment = comment;
+    if (!comment.IsEmpty()) interpreter->codeStore->NoteTextAt(static_cast<size_t>(cx));
     ++cx;
 }
 
 void CGenerator::Gen(int f, int l, VALUE value, CString comment) {
-    TesteCode(codeReserve);
+    if (cx + codeReserve > interpreter->codeCapacity) TesteCode(codeReserve);
     Instruction& slot = interpreter->code[cx];
     slot.f = static_cast<uint8_t>(f);
     slot.l = l;
-    slot.value = value;
+    slot.value.MoveFrom(value);
     slot.comment = comment;
+    if (slot.value.type == qelkern::tagString || !comment.IsEmpty())
+        interpreter->codeStore->NoteTextAt(static_cast<size_t>(cx));
     ++cx;
 }
 
@@ -75,31 +74,55 @@ void CGenerator::fixup(CUIntArray* list, int target) {
     if (target > highestPatchedTarget) highestPatchedTarget = target;
 }
 
-// The store grows geometrically, so that filling it costs a constant per
-// instruction: it doubles, and under a host's memory limit, which charges
-// the whole store, by an eighth, so that little more is charged than used.
+// The store grows in steps of 10000 within its reservation, where nothing
+// moves, so that a step costs only its own new instructions, and a host's
+// memory limit is charged little more than the code uses.
 void CGenerator::TesteCode(int n) {
     const int64_t needed = static_cast<int64_t>(cx) + n;
     const int64_t capacity = interpreter->codeCapacity;
     if (needed <= capacity) return;
     if (needed + codeSpare > INT32_MAX) throw std::bad_alloc();
-    const CRunControl* control = interpreter->control;
-    const bool limited = control != nullptr && control->maxMemoryBytes > 0;
-    ReserveCode(std::max(limited ? capacity + capacity / 8 : 2 * capacity, needed + codeSpare));
+    const int64_t steps = (needed + codeSpare - capacity + codeStep - 1) / codeStep;
+    ReserveCode(capacity + steps * codeStep);
 }
 
 // Beyond what an int counts, the store stays as it is; TesteCode tells when
-// that is too small.
+// that is too small. Past its reservation the store moves once into one
+// twice as large, so that moving costs a constant per instruction.
 void CGenerator::ReserveCode(int64_t capacity) {
     CInterpreter& machine = *interpreter;
     capacity = std::min<int64_t>(capacity, INT32_MAX);
     if (capacity <= machine.codeCapacity) return;
     qelkern::ChargeMemory(static_cast<size_t>(capacity - machine.codeCapacity) * sizeof(Instruction));
-    Instruction* grown = new Instruction[static_cast<size_t>(capacity)];
-    for (int i = 0; i < cx; ++i) MoveInstruction(grown[i], machine.code[i]);
-    delete[] machine.code;
-    machine.code = grown;
+    const auto wanted = static_cast<size_t>(capacity);
+    if (wanted > machine.codeStore->Reserved())
+        MoveCodeStore(std::max(wanted, 2 * machine.codeStore->Reserved()), wanted);
+    machine.codeStore->GrowTo(wanted);
+    machine.code = machine.codeStore->Code();
     machine.codeCapacity = static_cast<int>(capacity);
+}
+
+void CGenerator::ForeseeCode(int64_t capacity) {
+    CInterpreter& machine = *interpreter;
+    capacity = std::min<int64_t>(capacity, INT32_MAX);
+    if (capacity <= static_cast<int64_t>(machine.codeStore->Reserved())) return;
+    try {
+        MoveCodeStore(static_cast<size_t>(capacity), static_cast<size_t>(capacity));
+    } catch (const std::bad_alloc&) {
+        // The store grows as for any text when it is full.
+    }
+}
+
+int64_t CGenerator::CodeRoom() const { return static_cast<int64_t>(interpreter->codeStore->Reserved()); }
+
+void CGenerator::MoveCodeStore(size_t wanted, size_t needed) {
+    CInterpreter& machine = *interpreter;
+    auto moved = std::make_unique<qelkern::CodeStore>(wanted, needed);
+    moved->GrowTo(static_cast<size_t>(machine.codeCapacity));
+    moved->MoveFrom(*machine.codeStore, static_cast<size_t>(cx));
+    delete machine.codeStore;
+    machine.codeStore = moved.release();
+    machine.code = machine.codeStore->Code();
 }
 
 void CGenerator::err(CString) { failed = 1; }

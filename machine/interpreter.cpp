@@ -2,10 +2,12 @@
 // the general step, and the interpreter's stack and name tables.
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <vector>
 
 #include "machine/cell_ops.h"
+#include "machine/code_store.h"
 #include "machine/machine_loops.h"
 #include "machine/decode.h"
 #include "machine/host_calls.h"
@@ -155,6 +157,10 @@ int64_t LargestCapacity(int64_t limit) {
     return initialCapacity + (limit - initialCapacity) / stackGrowthStep * stackGrowthStep;
 }
 
+// Address space for a million instructions, 64 MB: none of it is memory
+// until the code reaches it.
+constexpr size_t firstCodeReservation = size_t{1} << 20;
+
 StackCells* ReserveStack(int64_t cellCount) {
     auto* reserved = new StackCells(static_cast<size_t>(cellCount));
     if (!reserved->Cells() || !reserved->GrowTo(initialCapacity)) {
@@ -166,20 +172,21 @@ StackCells* ReserveStack(int64_t cellCount) {
 
 }  // namespace
 
+// The first reservation holds the code of a long script without moving it;
+// only the pages the code reaches are ever touched.
 CInterpreter::CInterpreter()
-    : code(new Instruction[initialCapacity]), control(pRunControl), cells(nullptr) {
-    try {
-        cells = ReserveStack(LargestCapacity(stackLimit));
-    } catch (const std::bad_alloc&) {
-        delete[] code;
-        throw;
-    }
+    : code(nullptr), control(pRunControl), cells(nullptr), codeStore(nullptr) {
+    auto store = std::make_unique<CodeStore>(firstCodeReservation, static_cast<size_t>(codeCapacity));
+    store->GrowTo(static_cast<size_t>(codeCapacity));
+    cells = ReserveStack(LargestCapacity(stackLimit));
+    codeStore = store.release();
+    code = codeStore->Code();
     stack = cells->Cells();
     FillNameTables();
 }
 
 CInterpreter::~CInterpreter() {
-    delete[] code;
+    delete codeStore;
     delete cells;
 }
 

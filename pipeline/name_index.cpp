@@ -13,13 +13,14 @@ unsigned char LowerLatin1(unsigned char c) {
 }  // namespace
 
 std::string FoldedName(const CString& name) {
-    std::string folded = name.str();
-    for (size_t i = 0; i < folded.size(); ++i) {
-        if (folded[i] == 0) {
+    const std::string_view spelling = name.view();
+    std::string folded(spelling.size(), '\0');
+    for (size_t i = 0; i < spelling.size(); ++i) {
+        if (spelling[i] == 0) {
             folded.resize(i);
             break;
         }
-        folded[i] = static_cast<char>(LowerLatin1(static_cast<unsigned char>(folded[i])));
+        folded[i] = static_cast<char>(LowerLatin1(static_cast<unsigned char>(spelling[i])));
     }
     return folded;
 }

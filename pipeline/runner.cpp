@@ -5,6 +5,8 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "platform/memory_budget.h"
 #include "machine/debug_run.h"
@@ -14,6 +16,7 @@
 #include "qelkern/scanner.h"
 #include "qelkern/userinterface.h"
 #include "pipeline/script_error.h"
+#include "platform/text_lines.h"
 
 namespace {
 
@@ -21,8 +24,9 @@ namespace {
 // type table that the parser's constructor fills; they die in the order
 // parser, interpreter, generator, scanner, also when an exception passes.
 struct ScriptRun {
-    ScriptRun(char* text, int length, bool showErrors)
-        : scanner(new CScanner(text, length)),
+    // The scanner takes the joined text over instead of a copy of it.
+    ScriptRun(std::vector<char>&& text, bool showErrors)
+        : scanner(TakingScanner(std::move(text))),
           interpreter(new CInterpreter()),
           generator(new CGenerator(interpreter.get())),
           parser(new CParser(scanner.get(), generator.get(), showErrors)) {}
@@ -38,24 +42,35 @@ struct ScriptRun {
     std::unique_ptr<CInterpreter> interpreter;
     std::unique_ptr<CGenerator> generator;
     std::unique_ptr<CParser> parser;
+
+private:
+    static CScanner* TakingScanner(std::vector<char>&& text) {
+        auto* scanner = new CScanner(nullptr, 0);
+        scanner->buffer = std::move(text);
+        scanner->length = static_cast<int>(scanner->buffer.size());
+        return scanner;
+    }
 };
 
-int CountLines(const std::string& text) {
+int CountLines(std::string_view text) {
     return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
 }
 
 // The prelude in front of the script. The script is taken up to its first NUL
 // and never beyond `length`, whatever the caller claims. The error record
 // learns where the script starts.
-std::string JoinWithPrelude(const CString& dir, const char* text, int length,
-                            const CString& scriptPath, int& preludeLines) {
+std::vector<char> JoinWithPrelude(const CString& dir, const char* text, int length,
+                                  const CString& scriptPath, int& preludeLines) {
     const CString preludePath = dir + "extern.qel";
     CString prelude;
     const bool hasPrelude = LeseTextAusDatei(preludePath, prelude) != 0;
-    std::string joined = prelude.str();
-    preludeLines = CountLines(joined);
+    preludeLines = CountLines(prelude.view());
     qelkern::BeginScriptRecord(hasPrelude ? preludePath : CString(), preludeLines, scriptPath);
-    if (text != nullptr && length > 0) joined.append(text, strnlen(text, static_cast<size_t>(length)));
+    const size_t scriptLength = text != nullptr && length > 0 ? strnlen(text, static_cast<size_t>(length)) : 0;
+    std::vector<char> joined;
+    joined.reserve(prelude.view().size() + scriptLength);
+    joined.insert(joined.end(), prelude.view().begin(), prelude.view().end());
+    joined.insert(joined.end(), text, text + scriptLength);
     return joined;
 }
 
@@ -99,9 +114,9 @@ int CompileAndRun(const CString& dir, char* text, int length, bool showErrors, b
     int result = 0;
     qelkern::ScriptMemoryScope memory(pRunControl);
     int preludeLines = 0;
-    std::string joined = JoinWithPrelude(dir, text, length, scriptPath, preludeLines);
+    std::vector<char> joined = JoinWithPrelude(dir, text, length, scriptPath, preludeLines);
     if (joined.size() > static_cast<size_t>(INT_MAX)) return 0;
-    ScriptRun objects(joined.data(), static_cast<int>(joined.size()), showErrors);
+    ScriptRun objects(std::move(joined), showErrors);
     qelkern::ScriptDebugging debugging(*objects.parser, preludeLines);
 
     if (Compile(*objects.parser)) result = 1;
@@ -171,15 +186,10 @@ int RunScript(CString dir, CString file, bool showErrors) {
 }
 
 int LeseTextAusDatei(CString path, CString& text) {
-    CStdioFile file;
-    if (!file.Open(path, CStdioFile::modeRead | CStdioFile::typeText)) return 0;
-    text.Empty();
-    CString line;
-    while (file.ReadString(line)) {
-        text += line;
-        text += '\n';
-    }
-    file.Close();
+    std::string latin1;
+    if (!qelkern::ReadDecodedFile(path, latin1)) return 0;
+    qelkern::EndLinesWithLineFeeds(latin1);
+    text = CString(std::string_view(latin1));
     return 1;
 }
 

@@ -2,33 +2,56 @@
 // reporting errors, splicing text.
 #include "qelkern/scanner.h"
 
+#include <algorithm>
 #include <climits>
 #include <new>
 
+#include "pipeline/char_classes.h"
 #include "pipeline/keywords.h"
+#include "pipeline/scanner_step.h"
 #include "qelkern/parser.h"
 #include "qelkern/userinterface.h"
 #include "pipeline/script_error.h"
 
-namespace {
-
-bool isBlank(char c) { return static_cast<unsigned char>(c) <= 32; }
-
-}  // namespace
-
-int istIdentifierAnfang(char c) {
-    const unsigned char u = static_cast<unsigned char>(c);
-    if (u == '_' || (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z')) return 1;
-    // ä ö ü ß Ä Ö Ü in Latin-1
-    switch (u) {
-        case 0xE4: case 0xF6: case 0xFC: case 0xDF: case 0xC4: case 0xD6: case 0xDC:
-            return 1;
-        default:
-            return 0;
-    }
-}
+int istIdentifierAnfang(char c) { return qelkern::StartsWord(static_cast<unsigned char>(c)) ? 1 : 0; }
 
 int istIdentifierZeichen(char c) { return istIdentifierAnfang(c) || (c >= '0' && c <= '9'); }
+
+namespace {
+
+using qelkern::HasClass;
+using qelkern::NextCh;
+
+// The blanks before a symbol, read straight from the buffer: as GetCh would
+// one by one, without its tests for each of them.
+void SkipBlanks(CScanner& s) {
+    if (s.eof || !HasClass(s.ch, qelkern::blankByte)) return;
+    const int end = std::min(s.length, static_cast<int>(s.buffer.size()));
+    int at = s.index;
+    if (at < 0 || at >= end) {
+        s.GetCh();
+        return;
+    }
+    const char* text = s.buffer.data();
+    int line = s.line;
+    int position = s.position;
+    char c = 0;
+    do {
+        c = text[at++];
+        ++position;
+        if (c == '\n') {
+            position = 0;
+            ++line;
+        }
+    } while (HasClass(c, qelkern::blankByte) && at < end);
+    s.index = at;
+    s.line = line;
+    s.position = position;
+    s.ch = c;
+    if (HasClass(c, qelkern::blankByte)) s.GetCh();  // the end of the text
+}
+
+}  // namespace
 
 CScanner::CScanner(char* text, int textLength) {
     PredefinedTypen.DeleteAll();
@@ -66,7 +89,7 @@ void CScanner::GetSym() {
     // A loop rather than recursion: comments and dropped characters in a row
     // must not deepen the native stack.
     for (;;) {
-        while (!eof && isBlank(ch)) GetCh();
+        SkipBlanks(*this);
         symLine = line;
         symPosition = position;
         if (eof) {
@@ -77,61 +100,61 @@ void CScanner::GetSym() {
             Number();
             return;
         }
-        if (istIdentifierAnfang(ch)) {
+        if (HasClass(ch, qelkern::wordStartByte)) {
             Identifier();
             return;
         }
         switch (ch) {
             case '"': string(); return;
-            case '#': sym = symNotEqual; GetCh(); return;
+            case '#': sym = symNotEqual; NextCh(*this); return;
             case '(':
-                GetCh();
+                NextCh(*this);
                 if (ch == '*') {
                     comment();
                     continue;
                 }
                 sym = symLeftParen;
                 return;
-            case ')': sym = symRightParen; GetCh(); return;
-            case '*': sym = symTimes; GetCh(); return;
-            case '+': sym = symPlus; GetCh(); return;
-            case ',': sym = symComma; GetCh(); return;
-            case '-': sym = symMinus; GetCh(); return;
-            case '.': sym = symPeriod; GetCh(); return;
-            case '/': sym = symDivide; GetCh(); return;
+            case ')': sym = symRightParen; NextCh(*this); return;
+            case '*': sym = symTimes; NextCh(*this); return;
+            case '+': sym = symPlus; NextCh(*this); return;
+            case ',': sym = symComma; NextCh(*this); return;
+            case '-': sym = symMinus; NextCh(*this); return;
+            case '.': sym = symPeriod; NextCh(*this); return;
+            case '/': sym = symDivide; NextCh(*this); return;
             case ':':
-                GetCh();
+                NextCh(*this);
                 if (ch == '=') {
-                    GetCh();
+                    NextCh(*this);
                     sym = symBecomes;
                 } else {
                     sym = symColon;
                 }
                 return;
-            case ';': sym = symSemicolon; GetCh(); return;
+            case ';': sym = symSemicolon; NextCh(*this); return;
             case '<':
-                GetCh();
+                NextCh(*this);
                 if (ch == '=') {
-                    GetCh();
+                    NextCh(*this);
                     sym = symLessEqual;
                 } else {
                     sym = symLess;
                 }
                 return;
-            case '=': sym = symEqual; GetCh(); return;
+            case '=': sym = symEqual; NextCh(*this); return;
             case '>':
-                GetCh();
+                NextCh(*this);
                 if (ch == '=') {
-                    GetCh();
+                    NextCh(*this);
                     sym = symGreaterEqual;
                 } else {
                     sym = symGreater;
                 }
                 return;
-            case '[': sym = symLeftBracket; GetCh(); return;
-            case ']': sym = symRightBracket; GetCh(); return;
+            case '[': sym = symLeftBracket; NextCh(*this); return;
+            case ']': sym = symRightBracket; NextCh(*this); return;
             default:
-                GetCh();  // dropped without a message
+                NextCh(*this);  // dropped without a message
                 continue;
         }
     }

@@ -1,56 +1,52 @@
 // The readers that GetSym dispatches to: words, numbers, comments, strings.
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "pipeline/char_classes.h"
 #include "pipeline/keywords.h"
+#include "pipeline/scanner_step.h"
 #include "qelkern/numbers.h"
 #include "qelkern/scanner.h"
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+using qelkern::HasClass;
 
-bool isNumberByte(char c) { return isDigit(c) || c == '.'; }
-
-// istIdentifierZeichen, looked up: the scanner asks it for every byte of a word.
-bool isWordByte(char c) {
-    static const struct Table {
-        bool word[256];
-        Table() {
-            for (int b = 0; b < 256; ++b) word[b] = istIdentifierZeichen(static_cast<char>(b)) != 0;
-        }
-    } table;
-    return table.word[static_cast<unsigned char>(c)];
-}
-
-// Decimal digits by strtol rules; what does not fit in 32 bits saturates.
-int saturatedInteger(const char* text, const char** end) {
-    char* stop = nullptr;
-    long long number = std::strtoll(text, &stop, 10);
-    *end = stop;
-    if (number > INT_MAX) return INT_MAX;
-    if (number < INT_MIN) return INT_MIN;
+// Decimal digits as strtol reads them; what does not fit in 32 bits saturates.
+int SaturatedInteger(std::string_view digits) {
+    long long number = 0;
+    for (char digit : digits) {
+        number = number * 10 + (digit - '0');
+        if (number > INT_MAX) return INT_MAX;
+    }
     return static_cast<int>(number);
 }
 
-// `ch` and the run of bytes behind it that `belongs` accepts; then reads the
+// `ch` and the run of bytes behind it of class `belongs`; then reads the
 // character behind the run, as GetCh would one by one. No byte of a run is a
-// line feed, so only `position` moves.
-template <class Accepts>
-std::string TakeRun(CScanner& s, Accepts belongs) {
+// line feed, so only `position` moves. The run is looked at in the buffer,
+// where `ch` stands just before `index`, and copied only where it does not:
+// valid up to the next run.
+std::string_view TakeRun(CScanner& s, qelkern::CharClass belongs) {
     const int end = std::min(s.length, static_cast<int>(s.buffer.size()));
-    int stop = s.index;
+    const int start = s.index;
+    int stop = start;
     if (stop >= 0)
-        while (stop < end && belongs(s.buffer[static_cast<size_t>(stop)])) ++stop;
-    std::string word(1, s.ch);
-    if (stop > s.index) word.append(s.buffer.data() + s.index, static_cast<size_t>(stop - s.index));
-    s.position += stop - s.index;
+        while (stop < end && HasClass(s.buffer[static_cast<size_t>(stop)], belongs)) ++stop;
+    std::string_view run;
+    if (start >= 1 && stop > start - 1 && s.buffer[static_cast<size_t>(start - 1)] == s.ch) {
+        run = std::string_view(s.buffer.data() + start - 1, static_cast<size_t>(stop - start + 1));
+    } else {
+        thread_local std::string copy;
+        copy.assign(1, s.ch);
+        if (stop > start) copy.append(s.buffer.data() + start, static_cast<size_t>(stop - start));
+        run = copy;
+    }
+    s.position += stop - start;
     s.index = stop;
-    s.GetCh();
-    return word;
+    return run;
 }
 
 }  // namespace
@@ -58,9 +54,10 @@ std::string TakeRun(CScanner& s, Accepts belongs) {
 // The language's own keywords are found by BuiltInKeyword; rows that a host
 // entered behind them are searched in turn.
 void CScanner::Identifier() {
-    const std::string word = TakeRun(*this, isWordByte);
-    id = CString(std::string_view(word));
+    const std::string_view word = TakeRun(*this, qelkern::wordByte);
+    id.Assign(word);
     sym = BuiltInKeyword(word.data(), word.size());
+    qelkern::NextCh(*this);
     if (sym != symIdent) return;
     for (int row = keywordRowCount; row < keywordCount; ++row) {
         if (id.CompareNoCase(keywords[row].name) == 0) {
@@ -72,17 +69,17 @@ void CScanner::Identifier() {
 
 void CScanner::Number() {
     sym = symNumber;
-    const std::string text = TakeRun(*this, isNumberByte);
-    const char* start = text.c_str();
-    const char* end = start;
-    if (text.find('.') != std::string::npos) {
-        char* stop = nullptr;
-        value = zahlAusText(start, &stop);
-        end = stop;
-    } else {
-        value = saturatedInteger(start, &end);
+    const std::string_view digits = TakeRun(*this, qelkern::numberByte);
+    if (digits.find('.') == std::string_view::npos) {
+        value = SaturatedInteger(digits);
+        qelkern::NextCh(*this);
+        return;
     }
-    if (end != start + text.size()) Mark("Fehler bei der Zahlenangabe.");
+    const std::string text(digits);
+    GetCh();
+    char* stop = nullptr;
+    value = zahlAusText(text.c_str(), &stop);
+    if (stop != text.c_str() + text.size()) Mark("Fehler bei der Zahlenangabe.");
 }
 
 // Entered on the '*' of "(*". Nesting is counted, not recursed, so that deep

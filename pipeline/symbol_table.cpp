@@ -48,7 +48,9 @@ Object* CParser::NewObj(ObjectClass c) {
     return obj;
 }
 
-Object* CParser::find(CString name) {
+Object* CParser::find(CString name) { return FindName(name); }
+
+Object* CParser::FindName(const CString& name) {
     const std::string key = FoldedName(name);
     for (Object* scope = topScope; scope != nullptr; scope = scope->outerScope) {
         NameIndex::Names* scopeNames = nameIndex->NamesOf(scope);

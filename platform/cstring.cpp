@@ -81,13 +81,27 @@ CString& CString::operator=(CString&& other) noexcept {
     return *this;
 }
 
-void CString::Assign(std::string_view text) {
+// The scanner assigns every name it reads to the same string, which mostly
+// holds its buffer alone by then. A buffer far too big is not kept for a
+// short text.
+CString& CString::Assign(std::string_view text) {
+    if (buffer && !text.empty() && buffer->references.load(std::memory_order_acquire) == 1 &&
+        text.size() <= static_cast<size_t>(buffer->capacity) &&
+        static_cast<size_t>(buffer->capacity) <= 2 * text.size() + 64) {
+        char* chars = buffer->Chars();
+        std::memmove(chars, text.data(), text.size());
+        chars[text.size()] = 0;
+        buffer->tip.store(static_cast<unsigned>(text.size()), std::memory_order_relaxed);
+        length = static_cast<int>(text.size());
+        return *this;
+    }
     // Made before the old text goes: `text` may lie in it, and a failed
     // allocation leaves this string as it was.
     TextBuffer* fresh = text.empty() ? nullptr : NewBuffer(CheckedLength(text.size()), text);
     Release();
     buffer = fresh;
     length = static_cast<int>(text.size());
+    return *this;
 }
 
 CString::CString(const char* text) { Assign(ViewOf(text)); }

@@ -1,9 +1,12 @@
+#include <cstring>
+
 #include "qelkern/platform.h"
 
-// Length of the UTF-8 sequence starting at `i` and its code point; 0 if invalid.
-static size_t DecodeUtf8At(const std::string& bytes, size_t i, unsigned& codePoint) {
-    const auto byte = [&](size_t k) { return static_cast<unsigned char>(bytes[k]); };
-    unsigned char lead = byte(i);
+namespace {
+
+// Length of the UTF-8 sequence at `at` and its code point; 0 if invalid.
+size_t DecodeUtf8At(const unsigned char* at, size_t left, unsigned& codePoint) {
+    const unsigned char lead = at[0];
     size_t length;
     unsigned min;
     if (lead < 0x80) { codePoint = lead; return 1; }
@@ -11,19 +14,41 @@ static size_t DecodeUtf8At(const std::string& bytes, size_t i, unsigned& codePoi
     else if ((lead & 0xF0) == 0xE0) { length = 3; codePoint = lead & 0x0F; min = 0x800; }
     else if ((lead & 0xF8) == 0xF0) { length = 4; codePoint = lead & 0x07; min = 0x10000; }
     else return 0;
-    if (i + length > bytes.size()) return 0;
+    if (length > left) return 0;
     for (size_t k = 1; k < length; ++k) {
-        if ((byte(i + k) & 0xC0) != 0x80) return 0;
-        codePoint = (codePoint << 6) | (byte(i + k) & 0x3F);
+        if ((at[k] & 0xC0) != 0x80) return 0;
+        codePoint = (codePoint << 6) | (at[k] & 0x3F);
     }
     if (codePoint < min || codePoint > 0x10FFFF || (codePoint >= 0xD800 && codePoint <= 0xDFFF)) return 0;
     return length;
 }
 
+const unsigned char* BytesOf(const std::string& text) {
+    return reinterpret_cast<const unsigned char*>(text.data());
+}
+
+// Scripts are mostly ASCII: eight bytes are tested at once.
+size_t AsciiRun(const unsigned char* bytes, size_t size) {
+    constexpr uint64_t highBits = 0x8080808080808080ull;
+    size_t i = 0;
+    for (uint64_t word; i + 8 <= size; i += 8) {
+        std::memcpy(&word, bytes + i, 8);
+        if (word & highBits) break;
+    }
+    while (i < size && bytes[i] < 0x80) ++i;
+    return i;
+}
+
+}  // namespace
+
 bool IsValidUtf8(const std::string& bytes) {
+    const unsigned char* at = BytesOf(bytes);
+    const size_t size = bytes.size();
     unsigned codePoint;
-    for (size_t i = 0; i < bytes.size();) {
-        size_t length = DecodeUtf8At(bytes, i, codePoint);
+    for (size_t i = 0; i < size;) {
+        i += AsciiRun(at + i, size - i);
+        if (i == size) break;
+        const size_t length = DecodeUtf8At(at + i, size - i, codePoint);
         if (length == 0) return false;
         i += length;
     }
@@ -31,11 +56,17 @@ bool IsValidUtf8(const std::string& bytes) {
 }
 
 std::string Utf8ToLatin1(const std::string& utf8) {
+    const unsigned char* at = BytesOf(utf8);
+    const size_t size = utf8.size();
     std::string out;
-    out.reserve(utf8.size());
+    out.reserve(size);
     unsigned codePoint;
-    for (size_t i = 0; i < utf8.size();) {
-        size_t length = DecodeUtf8At(utf8, i, codePoint);
+    for (size_t i = 0; i < size;) {
+        const size_t ascii = AsciiRun(at + i, size - i);
+        out.append(utf8, i, ascii);
+        i += ascii;
+        if (i == size) break;
+        const size_t length = DecodeUtf8At(at + i, size - i, codePoint);
         if (length == 0) {  // a stray byte is taken as Latin-1
             out += utf8[i++];
             continue;
@@ -47,7 +78,12 @@ std::string Utf8ToLatin1(const std::string& utf8) {
 }
 
 std::string DecodeToLatin1(const std::string& bytes) {
-    if (!IsValidUtf8(bytes)) return bytes;
+    return DecodeToLatin1(std::string(bytes));
+}
+
+std::string DecodeToLatin1(std::string&& bytes) {
+    if (AsciiRun(BytesOf(bytes), bytes.size()) == bytes.size()) return std::move(bytes);
+    if (!IsValidUtf8(bytes)) return std::move(bytes);
     const bool hasBom = bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0;
     return Utf8ToLatin1(hasBom ? bytes.substr(3) : bytes);
 }

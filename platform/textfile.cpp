@@ -1,6 +1,70 @@
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstring>
 #include <filesystem>
 
+#include "platform/text_lines.h"
 #include "qelkern/platform.h"
+
+namespace {
+
+// At once where the size is known; a pipe or a growing file is read on to its end.
+std::string ReadToEnd(std::FILE* file) {
+    std::string bytes;
+    struct stat status {};
+    if (fstat(fileno(file), &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0) {
+        bytes.resize(static_cast<size_t>(status.st_size));
+        bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
+    }
+    char chunk[65536];
+    size_t got;
+    while ((got = std::fread(chunk, 1, sizeof chunk, file)) > 0) bytes.append(chunk, got);
+    return bytes;
+}
+
+}  // namespace
+
+namespace qelkern {
+
+bool ReadDecodedFile(const char* path, std::string& latin1) {
+    std::error_code ignored;
+    if (!path || std::filesystem::is_directory(path, ignored)) return false;
+    std::FILE* file = std::fopen(path, "rb");
+    if (!file) return false;
+    std::string bytes;
+    try {
+        bytes = ReadToEnd(file);
+    } catch (...) {
+        std::fclose(file);
+        throw;
+    }
+    std::fclose(file);
+    latin1 = DecodeToLatin1(std::move(bytes));
+    return true;
+}
+
+void EndLinesWithLineFeeds(std::string& text) {
+    if (text.empty()) return;
+    const bool endsInLineFeed = text.back() == '\n';
+    char* const start = text.data();
+    const char* const end = start + text.size();
+    char* write = start;
+    for (const char* read = start; read < end;) {
+        const char* carriageReturn = static_cast<const char*>(std::memchr(read, '\r', end - read));
+        const char* stop = carriageReturn ? carriageReturn : end;
+        if (write != read) std::memmove(write, read, stop - read);
+        write += stop - read;
+        read = stop;
+        if (!carriageReturn) break;
+        if (read + 1 >= end || read[1] != '\n') *write++ = '\r';
+        ++read;
+    }
+    text.resize(static_cast<size_t>(write - start));
+    if (!endsInLineFeed) text += '\n';
+}
+
+}  // namespace qelkern
 
 CStdioFile::~CStdioFile() { Close(); }
 
@@ -18,11 +82,8 @@ bool CStdioFile::Open(const char* path, unsigned flags) {
     readPos = 0;
     if (!writing) {
         // Read whole: the encoding is decided for the file, not line by line.
-        std::string bytes;
-        char chunk[65536];
-        size_t got;
-        while ((got = std::fread(chunk, 1, sizeof chunk, file)) > 0) bytes.append(chunk, got);
-        content = (flags & typeBinary) ? bytes : DecodeToLatin1(bytes);
+        std::string bytes = ReadToEnd(file);
+        content = (flags & typeBinary) ? std::move(bytes) : DecodeToLatin1(std::move(bytes));
     }
     return true;
 }

@@ -86,7 +86,7 @@ private:
 
 class CInterpreter;
 class CRunControl;
-namespace qelkern { class StackCells; }
+namespace qelkern { class StackCells; class CodeStore; }
 
 // Thrown (as a pointer) on the compiler's error path only.
 class QELKERN_API CQELException : public CException {
@@ -115,6 +115,11 @@ public:
     void DebugFlushToFile();
     // Grows the code store to hold `capacity` instructions, if it holds fewer.
     void ReserveCode(int64_t capacity);
+    // Reserves address space, so that the store can grow to `capacity`
+    // instructions without moving; takes no memory and charges nothing.
+    void ForeseeCode(int64_t capacity);
+    // The instructions the store can grow to without moving.
+    int64_t CodeRoom() const;
     // The table from code address to source place, filled while compiling and
     // read only after a run: the code of a statement starts here, at
     // `line` and `position` of the joined text as the scanner counts them.
@@ -133,6 +138,7 @@ private:
     int highestPatchedTarget = -1;
 
     void WritePlaceLines(int address, size_t& nextMark);
+    void MoveCodeStore(size_t wanted, size_t needed);
 
     struct SourceMark {
         int address;
@@ -154,6 +160,8 @@ public:
     int TesteStack(int n);
     void err(CString text);
 
+    // Filled by CGenerator. Only the texts that Gen writes are released with
+    // the store: a host that patches an instruction itself gives it no text.
     Instruction* code;
     int p = 0;
     int b = 0;
@@ -169,5 +177,9 @@ public:
     CString errorText;  // the message of the run-time error, for the error record
 
 private:
+    // The generator grows the store in place.
+    friend class CGenerator;
+
     qelkern::StackCells* cells;
+    qelkern::CodeStore* codeStore;
 };

@@ -153,6 +153,9 @@ private:
     // Every Object the parser made, for the destructor.
     CArrayT<Object*> allObjects;
     Object* Own(std::unique_ptr<Object> entry);
+    // find without a copy of the name: the productions look up every name
+    // they read.
+    Object* FindName(const CString& name);
 
     // Helpers of the productions (language/).
     struct BlockFrame;

@@ -145,6 +145,8 @@ public:
     CString& operator+=(const char* text);
     CString& operator+=(char ch) { return Append(std::string_view(&ch, 1)); }
     CString& Append(std::string_view text);
+    // Takes `text`, in place where this string alone holds a buffer that fits it.
+    CString& Assign(std::string_view text);
 
     friend CString operator+(const CString& a, const CString& b) { return Concat(a.view(), b.view()); }
     // A temporary on the left grows in place: a + b + c copies each text once.
@@ -173,7 +175,6 @@ public:
 private:
     static std::string_view ViewOf(const char* text) { return text ? std::string_view(text) : std::string_view(); }
     static CString Concat(std::string_view a, std::string_view b);
-    void Assign(std::string_view text);
     // The characters, in a buffer this string alone holds, its length the tip.
     char* MakeOwn();
     const char* Terminated() const;
@@ -231,6 +232,7 @@ class QELKERN_API CWordArray : public CArrayT<uint16_t> {};
 // Valid UTF-8 becomes Latin-1, a character beyond Latin-1 becoming '?';
 // anything else is taken as Latin-1 already. A leading byte order mark is dropped.
 QELKERN_API std::string DecodeToLatin1(const std::string& bytes);
+QELKERN_API std::string DecodeToLatin1(std::string&& bytes);
 QELKERN_API bool IsValidUtf8(const std::string& bytes);
 QELKERN_API std::string Latin1ToUtf8(const std::string& latin1);
 QELKERN_API std::string Utf8ToLatin1(const std::string& utf8);

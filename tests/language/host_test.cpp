@@ -92,3 +92,31 @@ TEST(Import, HandsBothStringsToTheHostWhoMaySpliceText) {
     EXPECT_NE(ui.ui.events[0].text.str().find("VAR z : ;"), std::string::npos);
     EXPECT_NE(ui.ui.events[0].text.str().find("unbekannter Variablentyp"), std::string::npos);
 }
+
+// Spliced texts follow one another in order, also behind a script longer than
+// the scanner reads ahead. An error behind them is marked in the text that was
+// compiled, and its line counts the lines the texts brought along.
+TEST(Import, ManySplicedTextsAndAnErrorBehindThem) {
+    std::string imports, spliced, body;
+    for (int i = 0; i < 200; ++i) {
+        const std::string declaration = "VAR v" + std::to_string(i) + " : INTEGER;\n";
+        const std::string import = "IMPORT \"text\" \"" + declaration + "\"\n";
+        imports += import;
+        spliced += import + declaration;  // behind the look-ahead, the line feed
+    }
+    for (int i = 0; i < 1000; ++i) body += "  v" + std::to_string(i % 200) + " := " + std::to_string(i) + ";\n";
+    const std::string tail = "  v7 := ;\nEND.";
+    ScopedRecordingUi ui;
+    ScopedEnvironment environment;
+    EXPECT_EQ(RunText(imports + "BEGIN\n" + body + tail, true, false), 0);
+    EXPECT_EQ(environment.environment.imports.size(), 200u);
+    ASSERT_FALSE(ui.ui.events.empty());
+    const std::string shown = ui.ui.events[0].text.str();
+    // The look-ahead has passed the line feed behind the error: the marker
+    // goes under the next line, here the last.
+    const std::string compiled = spliced + "BEGIN\n" + body + tail + "\n";
+    ASSERT_GT(shown.size(), compiled.size());
+    EXPECT_EQ(shown.substr(0, compiled.size()), compiled);
+    EXPECT_EQ(shown.substr(compiled.size(), 3), FehlerMeldungStart);
+    EXPECT_EQ(GetLastScriptError().line, 3 * 200 + 1 + 1000);
+}

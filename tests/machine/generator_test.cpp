@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 
+#include "platform/memory_budget.h"
 #include "tests/machine/program_builder.h"
 
 TEST(Generator, FixupOfTheLastJumpRemovesItAndTheSlotIsReused) {
@@ -54,6 +55,31 @@ TEST(Generator, CodeStoreGrowsAndKeepsItsInstructions) {
     EXPECT_EQ(CString(pb.machine.code[9900].value), "9900");
     EXPECT_EQ(CString(pb.machine.code[0].value), "0");
     EXPECT_EQ(pb.machine.code[9901].GetText(9901), "9901:\tJMP 2, 17, \"x\"\n");
+    EXPECT_EQ(pb.machine.code[19999].GetText(19999), "19999:\tLIT (?)0\n") << "a new slot is a default one";
+}
+
+// Each step is charged to the host's budget when it is made. Past its
+// reservation the store moves and keeps what it holds; a reservation planned
+// ahead lets it grow without moving.
+TEST(Generator, CodeStoreStepsAreChargedAndOutgrowTheReservation) {
+    for (bool planned : {false, true}) {
+        qelkern::MemoryBudget budget(size_t{1} << 40);
+        ProgramBuilder pb;
+        if (planned) pb.gen.ForeseeCode(1200000);
+        const Instruction* const first = pb.machine.code;
+        pb.Lit(Text("kept"), "with a text that must move along");
+        const size_t before = budget.Used();
+        for (int i = 1; i < 9902; ++i) pb.Ins(JMP, 0, i);
+        EXPECT_EQ(budget.Used() - before, 10000 * sizeof(Instruction));
+        for (int i = 9902; i < 1100000; ++i) pb.Ins(JMP, 0, i);
+        EXPECT_EQ(pb.machine.codeCapacity, 1110000);
+        EXPECT_EQ(budget.Used() - before, 1100000 * sizeof(Instruction));
+        EXPECT_EQ(pb.machine.code == first, planned);
+        EXPECT_EQ(pb.machine.code[0].GetText(0), "0:\tLIT \"kept\", \"with a text that must move along\"\n");
+        EXPECT_EQ(pb.machine.code[1].a, 1);
+        EXPECT_EQ(pb.machine.code[1099999].a, 1099999);
+        EXPECT_EQ(pb.machine.code[1100000].f, LIT);
+    }
 }
 
 TEST(Listing, LinesOfEveryKind) {

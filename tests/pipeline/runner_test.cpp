@@ -133,6 +133,12 @@ TEST(LeseTextAusDatei, DecodesAndEndsEveryLineWithALineFeed) {
         {"no-final-end.qel", "a\nb", "a\nb\n"},
         {"blank-lines.qel", "\n\nx\n", "\n\nx\n"},
         {"empty.qel", "", ""},
+        // A carriage return ends a line only before a line feed.
+        {"returns.qel", "a\rb\r\r\nc\r", "a\rb\r\nc\r\n"},
+        // ASCII is looked at eight bytes at a time: what follows a long run still decodes.
+        {"late-utf8.qel", "abcdefghijklmnop\xC3\xA4\n", "abcdefghijklmnop\xE4\n"},
+        {"late-latin1.qel", "abcdefghijklmnop\xE4q", "abcdefghijklmnop\xE4q\n"},
+        {"bom.qel", "\xEF\xBB\xBF" "BEGIN END.", "BEGIN END.\n"},
     };
     for (const auto& c : cases) {
         WriteFileBytes(dir + c.name, c.bytes);
@@ -140,7 +146,8 @@ TEST(LeseTextAusDatei, DecodesAndEndsEveryLineWithALineFeed) {
         EXPECT_EQ(LeseTextAusDatei((dir + c.name).c_str(), text), 1) << c.name;
         EXPECT_EQ(text, c.expected) << c.name;
     }
-    CString text = "unchanged";  // a missing file leaves the text alone
+    CString text = "unchanged";  // a missing file or a directory leaves the text alone
     EXPECT_EQ(LeseTextAusDatei((dir + "nothing-here.qel").c_str(), text), 0);
+    EXPECT_EQ(LeseTextAusDatei(dir.c_str(), text), 0);
     EXPECT_EQ(text, "unchanged");
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "pipeline/keywords.h"
 #include "support/test_support.h"
 
 namespace {
@@ -99,6 +100,18 @@ TEST(Scanner, Symbols) {
     EXPECT_EQ(SymbolsOf("x :"), (Symbols{symIdent, symColon}));
     EXPECT_EQ(SymbolsOf("<"), (Symbols{symLess}));
 
+    // Every keyword in any case; words one letter off or longer are names.
+    for (int row = 0; row < keywordRowCount; ++row) {
+        std::string word = keywordRows[row].text;
+        std::string mixed = word;
+        for (size_t i = 0; i < mixed.size(); i += 2) mixed[i] = static_cast<char>(mixed[i] + 32);
+        std::string offByOne = word;
+        offByOne.back() = offByOne.back() == 'Z' ? 'Y' : static_cast<char>(offByOne.back() + 1);
+        EXPECT_EQ(SymbolsOf(mixed + " " + word + "S " + offByOne + " " + word + "\xE4"),
+                  (Symbols{keywordRows[row].sym, symIdent, symIdent, symIdent}))
+            << word;
+    }
+
     Scan s("");  // the keyword table holds 40 rows at most
     EXPECT_EQ(s.keywordCount, 36);
     for (int i = 0; i < 10; ++i) s.EnterKW(symOr, "EXTRA");
@@ -155,4 +168,39 @@ TEST(Scanner, InsertTextFollowsTheLookAhead) {
         EXPECT_EQ(Rest(s), c.rest) << c.source;
         EXPECT_EQ(s.line, c.line) << c.source;
     }
+}
+
+// Many insertions in a row, each read to its end before the next, and a
+// long script behind them: all come out as from one spliced text.
+TEST(Scanner, ManyInsertionsReadAsIfSplicedInPlace) {
+    const std::string longWord(10000, 'w');
+    std::string source = "a";
+    Words original;
+    for (int i = 0; i < 3000; ++i) {
+        source += " n" + std::to_string(i) + (i % 7 == 0 ? "\n" : "");
+        original.push_back(("n" + std::to_string(i)).c_str());
+    }
+    source += " " + longWord + "\nz";
+    original.push_back(longWord.c_str());
+    original.push_back("z");
+    Scan s(source);
+    s.GetSym();
+    Words spliced, expected;
+    for (int i = 0; i < 500; ++i) {
+        // Each text is read up to its end, so the next comes behind it.
+        s.InsertText(i % 2 ? " p q\n" : " r ");
+        for (const char* word : {"p", "q"}) {
+            if (i % 2 == 0 && word[0] == 'q') break;
+            s.GetSym();
+            spliced.push_back(s.id);
+            expected.push_back(i % 2 ? word : "r");
+        }
+    }
+    EXPECT_EQ(spliced, expected);
+    EXPECT_EQ(s.line, 250);
+    EXPECT_EQ(s.length, static_cast<int>(source.size()) + 250 * 5 + 250 * 3);
+    EXPECT_EQ(Rest(s), original);
+    EXPECT_EQ(s.line, 250 + 429 + 1);
+    EXPECT_EQ(s.position, 2);
+    EXPECT_EQ(static_cast<int>(s.buffer.size()), s.length);
 }
