@@ -23,7 +23,9 @@ template <General operation>
 
 // Division alone among the binary operations can report an error.
 template <General operation>
-constexpr bool reportsNothing = operation != static_cast<General>(&Divide);
+constexpr bool reportsNothing = true;
+template <>
+constexpr bool reportsNothing<&Divide> = false;
 
 // The instructions of a fused step one by one, for the tags that the
 // numbers' path does not take, above all texts. The registers in memory move
