@@ -114,7 +114,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     } while (0)
 #define QEL_ASSIGN(target, source, pushed)                                       \
     do {                                                                         \
-        if (!TryAssign((target), (source))) [[unlikely]]                         \
+        if (!TryAssign((target), (source)))                         \
             QEL_OUT_OF_LINE((pushed), AssignText((target), (source)));           \
     } while (0)
     // The same for a fused step: it goes on with the plain step at which
@@ -148,7 +148,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
 #define QEL_PUSH_TWO(operation, general, first, second)                                   \
     VALUE* const c = r.top + 1;                                                           \
     if (!(first) || !(second) || c + 1 > limit) QEL_DECLINE();                             \
-    if (!TryAssign(*c, *(first))) [[unlikely]] {                                          \
+    if (!TryAssign(*c, *(first))) {                                          \
         if constexpr (!reportsNothing<general>) QEL_DECLINE();                            \
         QEL_FUSED_OUT_OF_LINE(PushTwoAndOperate<general>(registers, *(first), *(second))); \
     }                                                                                     \
@@ -165,7 +165,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
 #define QEL_PUSH_ONE(operation, general, operand)                                     \
     VALUE* const c = r.top + 1;                                                       \
     if (!(operand) || c > limit) QEL_DECLINE();                                       \
-    if (!TryAssign(*c, *(operand))) [[unlikely]] {                                    \
+    if (!TryAssign(*c, *(operand))) {                                    \
         if constexpr (!reportsNothing<general>) QEL_DECLINE();                        \
         QEL_FUSED_OUT_OF_LINE(PushAndOperate<general>(registers, *(operand)));        \
     }                                                                                 \
@@ -197,7 +197,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     QEL_NEXT()
 #define QEL_BINARY(operation, general)                                      \
     if (r.top == s) QEL_LEAVE();                                            \
-    if (!operation(r.top[-1], r.top[0])) [[unlikely]]                       \
+    if (!operation(r.top[-1], r.top[0]))                       \
         QEL_OUT_OF_LINE(-1, Generally<general>(r.top[-1], r.top[0]));       \
     --r.top;                                                                \
     QEL_NEXT()
@@ -244,13 +244,13 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     {
         {
             op_LitInt:
-                if (!TrySetInt(r.top[1], step->number)) [[unlikely]]
+                if (!TrySetInt(r.top[1], step->number))
                     QEL_OUT_OF_LINE(1, SetIntOver(r.top[1], step->number));
                 ++r.top;
                 QEL_PUSHED();
                 QEL_NEXT();
             op_LitDouble:
-                if (!TrySetDouble(r.top[1], step->real)) [[unlikely]]
+                if (!TrySetDouble(r.top[1], step->real))
                     QEL_OUT_OF_LINE(1, SetDoubleOver(r.top[1], step->real));
                 ++r.top;
                 QEL_PUSHED();
@@ -543,7 +543,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 VALUE* const target = LocalAt(step->store);
                 VALUE* const c = r.top + 1;
                 if (!variable || !target || c > limit) QEL_DECLINE();
-                if (!TryAssign(*c, *variable)) [[unlikely]]
+                if (!TryAssign(*c, *variable))
                     QEL_FUSED_OUT_OF_LINE(PushAndStore(registers, *variable, *target));
                 if (!TryAssign(*target, *c)) QEL_LEAVE_AT(1, c);
                 r.next += 2;
