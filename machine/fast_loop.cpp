@@ -145,9 +145,9 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     // between, as the plain steps do.
     // A first operand that the numbers' path does not take: the three
     // instructions out of line.
-#define QEL_PUSH_TWO(operation, general, first, second)                                   \
+#define QEL_PUSH_TWO(operation, general, first, second, present)                          \
     VALUE* const c = r.top + 1;                                                           \
-    if (!(first) || !(second) || c + 1 > limit) QEL_DECLINE();                             \
+    if (!(present) || c + 1 > limit) QEL_DECLINE();                                       \
     if (!TryAssign(*c, *(first))) {                                          \
         if constexpr (!reportsNothing<general>) QEL_DECLINE();                            \
         QEL_FUSED_OUT_OF_LINE(PushTwoAndOperate<general>(registers, *(first), *(second))); \
@@ -156,15 +156,15 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
 #define QEL_LOAD_LIT(operation, general) \
     VALUE* const variable = LocalAt(step->first); \
-    QEL_PUSH_TWO(operation, general, variable, step->fusedLiteral)
+    QEL_PUSH_TWO(operation, general, variable, step->fusedLiteral, variable)
 #define QEL_LOAD_LOAD(operation, general)           \
     VALUE* const variable = LocalAt(step->first);   \
     VALUE* const second = LocalAt(step->second);    \
-    QEL_PUSH_TWO(operation, general, variable, second)
+    QEL_PUSH_TWO(operation, general, variable, second, variable && second)
     // PUSH; OPR.
-#define QEL_PUSH_ONE(operation, general, operand)                                     \
+#define QEL_PUSH_ONE(operation, general, operand, present)                            \
     VALUE* const c = r.top + 1;                                                       \
-    if (!(operand) || c > limit) QEL_DECLINE();                                       \
+    if (!(present) || c > limit) QEL_DECLINE();                                       \
     if (!TryAssign(*c, *(operand))) {                                    \
         if constexpr (!reportsNothing<general>) QEL_DECLINE();                        \
         QEL_FUSED_OUT_OF_LINE(PushAndOperate<general>(registers, *(operand)));        \
@@ -410,13 +410,13 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             }                                                                    \
             op_Load##name: {                                                     \
                 VALUE* const variable = LocalAt(step->first);                    \
-                QEL_PUSH_ONE(operation, general, variable);                      \
+                QEL_PUSH_ONE(operation, general, variable, variable);                      \
                 r.next += 2;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_LitLoad##name: {                                                  \
                 VALUE* const variable = LocalAt(step->store);                    \
-                QEL_PUSH_TWO(operation, general, step->fusedLiteral, variable);  \
+                QEL_PUSH_TWO(operation, general, step->fusedLiteral, variable, variable); \
                 r.top = c;                                                       \
                 r.next += 3;                                                     \
                 QEL_DISPATCH();                                                  \
@@ -429,7 +429,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_Lit##name: {                                                \
-                QEL_PUSH_ONE(operation, general, step->fusedLiteral);            \
+                QEL_PUSH_ONE(operation, general, step->fusedLiteral, true);            \
                 r.next += 2;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
@@ -468,7 +468,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_Lit##name##Jump: {                                                \
-                QEL_PUSH_ONE(operation, general, step->fusedLiteral);            \
+                QEL_PUSH_ONE(operation, general, step->fusedLiteral, true);            \
                 VALUE* const condition = r.top;                                  \
                 if (condition == s) QEL_LEAVE_AT(2, condition);                  \
                 r.top = condition - 1;                                           \
