@@ -88,6 +88,13 @@ inline bool AreTexts(const VALUE& a, const VALUE& b) {
 // again allocates nothing.
 inline void Assign(VALUE& target, const VALUE& source) {
     if (TryAssign(target, source)) return;
+    // A number over a text: the string object goes to the pool for the
+    // next text of a cell rather than to the allocator.
+    if (IsNumber(source)) {
+        DropText(target);
+        TryAssign(target, source);
+        return;
+    }
     if (AreTexts(target, source)) {
         if (&target != &source) *target.stringValue = *source.stringValue;
         return;

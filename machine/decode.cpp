@@ -5,6 +5,7 @@
 namespace qelkern {
 
 bool fuseSteps = true;
+bool fastLoop = true;
 
 namespace {
 
@@ -68,7 +69,7 @@ struct BinaryForms {
     Op plain, loadLit, loadLoad, lit, load, litLoad, loadLoadStore, store, loadLitStore;
 };
 constexpr BinaryForms binaryForms[] = {
-#define QEL_FORMS(name, operation)                                                              \
+#define QEL_FORMS(name, operation, general)                                                              \
     {Op::name, Op::LoadLit##name, Op::LoadLoad##name, Op::Lit##name, Op::Load##name,           \
      Op::LitLoad##name,                                                                         \
      Op::LoadLoad##name##Store, Op::name##Store, Op::LoadLit##name##Store},
@@ -80,7 +81,7 @@ struct RelationForms {
     Op plain, loadLitJump, loadLoadJump, jump, litJump;
 };
 constexpr RelationForms relationForms[] = {
-#define QEL_FORMS(name, operation) \
+#define QEL_FORMS(name, operation, general) \
     {Op::name, Op::LoadLit##name##Jump, Op::LoadLoad##name##Jump, Op::name##Jump, Op::Lit##name##Jump},
     QEL_RELATIONS(QEL_FORMS)
 #undef QEL_FORMS
@@ -159,6 +160,11 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
     if (!s1) return false;
     if (IsLocalLoad(step) && BinaryOf(*s1)) {
         step.op = BinaryOf(*s1)->load;
+        return true;
+    }
+    if (IsLocalLoad(step) && IsLocalStore(*s1)) {
+        step.op = Op::LoadStore;
+        step.store = CountInBytes(s1->a);
         return true;
     }
     if (IsLocalLoad(step) && IsLocalLoad(*s1)) {

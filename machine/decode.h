@@ -17,29 +17,30 @@ inline int ToAddress(intptr_t a) {
 }
 
 // The binary OPR sub-operations, with the fast form that computes them in
-// place (machine/cell_ops.h), and the relations among them.
+// place and the form for any tags (machine/cell_ops.h), and the relations
+// among them.
 #define QEL_BINARY_OPERATIONS(X) \
-    X(Plus, TryAdd)              \
-    X(Minus, TrySubtract)        \
-    X(Times, TryMultiply)        \
-    X(Divide, TryCheckedDivide)  \
-    X(Equal, TryEqual)           \
-    X(NotEqual, TryNotEqual)     \
-    X(Less, TryLess)             \
-    X(GreaterEqual, TryGreaterEqual) \
-    X(Greater, TryGreater)       \
-    X(LessEqual, TryLessEqual)   \
-    X(BitOr, TryBitOr)           \
-    X(BitAnd, TryBitAnd)         \
-    X(Or, TryOr)                 \
-    X(And, TryAnd)
+    X(Plus, TryAdd, Add)              \
+    X(Minus, TrySubtract, Subtract)        \
+    X(Times, TryMultiply, Multiply)        \
+    X(Divide, TryCheckedDivide, Divide)  \
+    X(Equal, TryEqual, Equal)           \
+    X(NotEqual, TryNotEqual, NotEqual)     \
+    X(Less, TryLess, Less)             \
+    X(GreaterEqual, TryGreaterEqual, GreaterEqual) \
+    X(Greater, TryGreater, Greater)       \
+    X(LessEqual, TryLessEqual, LessEqual)   \
+    X(BitOr, TryBitOr, BitOr)           \
+    X(BitAnd, TryBitAnd, BitAnd)         \
+    X(Or, TryOr, Or)                 \
+    X(And, TryAnd, And)
 #define QEL_RELATIONS(X)             \
-    X(Equal, TryEqual)               \
-    X(NotEqual, TryNotEqual)         \
-    X(Less, TryLess)                 \
-    X(GreaterEqual, TryGreaterEqual) \
-    X(Greater, TryGreater)           \
-    X(LessEqual, TryLessEqual)
+    X(Equal, TryEqual, Equal)               \
+    X(NotEqual, TryNotEqual, NotEqual)         \
+    X(Less, TryLess, Less)                 \
+    X(GreaterEqual, TryGreaterEqual, GreaterEqual) \
+    X(Greater, TryGreater, Greater)           \
+    X(LessEqual, TryLessEqual, LessEqual)
 
 // What the dispatch loop runs: each instruction decoded once per run into a
 // step, with every OPR sub-operation and the common operand forms as a step
@@ -110,7 +111,7 @@ enum class Op : uint8_t {
     // behind it stay, for jumps into the sequence and for the rest of a
     // sequence that the fast loop cannot finish. Variables are of the
     // current frame (l 0); jumps go forward.
-#define QEL_FUSED_BINARY(name, operation)                                          \
+#define QEL_FUSED_BINARY(name, operation, general)                                          \
     LoadLit##name,     /* LOD a; LIT literal; OPR                              */ \
     LoadLoad##name,    /* LOD a; LOD second; OPR                               */ \
     Lit##name,         /* LIT literal; OPR                                     */ \
@@ -121,7 +122,7 @@ enum class Op : uint8_t {
     LoadLit##name##Store,  /* LOD a; LIT literal; OPR; STO store               */
     QEL_BINARY_OPERATIONS(QEL_FUSED_BINARY)
 #undef QEL_FUSED_BINARY
-#define QEL_FUSED_RELATION(name, operation)                                        \
+#define QEL_FUSED_RELATION(name, operation, general)                                        \
     LoadLit##name##Jump,   /* LOD a; LIT literal; OPR; JPC target              */ \
     LoadLoad##name##Jump,  /* LOD a; LOD second; OPR; JPC target               */ \
     name##Jump,            /* OPR; JPC target                                  */ \
@@ -135,12 +136,16 @@ enum class Op : uint8_t {
     LoadLitStoreElement,  // LOD a; LIT literal; STOI 0, store
     LoadPair,           // LOD a; LOD second
     LoadLitPair,        // LOD a; LIT literal
+    LoadStore,          // LOD a; STO store
     Count
 };
 
 // Fusion on (the default) or off: the machine must do the same either way,
 // which the tests check by running programs both ways.
 extern bool fuseSteps;
+// The fast loop on (the default) or off, when every step goes through the
+// general step: the tests hold the fast loop against it.
+extern bool fastLoop;
 
 struct Step {
     Op op;

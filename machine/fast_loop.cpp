@@ -10,6 +10,66 @@ namespace {
 
 // Kept out of line, so that the numbers' path stays free of a call.
 [[gnu::noinline]] void AssignText(VALUE& target, const VALUE& source) { Assign(target, source); }
+[[gnu::noinline]] void SetIntOver(VALUE& cell, int number) { SetInt(cell, number); }
+[[gnu::noinline]] void SetDoubleOver(VALUE& cell, double number) { SetDouble(cell, number); }
+
+using General = void (*)(VALUE&, const VALUE&);
+
+// A binary operation on any pair of tags, as the general step carries it out.
+template <General operation>
+[[gnu::noinline]] void Generally(VALUE& left, const VALUE& right) {
+    operation(left, right);
+}
+
+// Division alone among the binary operations can report an error.
+template <General operation>
+constexpr bool reportsNothing = true;
+template <>
+constexpr bool reportsNothing<&Divide> = false;
+
+// The instructions of a fused step one by one, for the tags that the
+// numbers' path does not take, above all texts. The registers in memory move
+// on as GeneralStep moves them, so that an exception in the middle of the
+// step leaves them where the plain steps would. The caller has made sure
+// that no step among them reports anything or needs the stack to grow.
+//
+// PUSH first; PUSH second; OPR.
+template <General operation>
+[[gnu::noinline]] void PushTwoAndOperate(Registers& r, const VALUE& first, const VALUE& second) {
+    VALUE* const c = r.top + 1;
+    ++r.next;
+    r.top = c;
+    Assign(*c, first);
+    ++r.next;
+    r.top = c + 1;
+    Assign(c[1], second);
+    ++r.next;
+    r.top = c;
+    operation(*c, c[1]);
+}
+
+// PUSH operand; OPR, with the left operand below.
+template <General operation>
+[[gnu::noinline]] void PushAndOperate(Registers& r, const VALUE& operand) {
+    VALUE* const c = r.top + 1;
+    ++r.next;
+    r.top = c;
+    Assign(*c, operand);
+    ++r.next;
+    r.top = c - 1;
+    operation(c[-1], *c);
+}
+
+// LOD a; STO store.
+[[gnu::noinline]] void PushAndStore(Registers& r, const VALUE& source, VALUE& target) {
+    VALUE* const c = r.top + 1;
+    ++r.next;
+    r.top = c;
+    Assign(*c, source);
+    ++r.next;
+    Assign(target, *c);
+    r.top = c - 1;
+}
 
 }  // namespace
 
@@ -39,42 +99,77 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
         return at < reinterpret_cast<uintptr_t>(s) + stackBytes ? reinterpret_cast<VALUE*>(at) : nullptr;
     };
 #define QEL_LEAVE() goto leave
-    // A text assignment can throw: the registers are left as GeneralStep
-    // leaves them in the middle of the same step. The counting loop leaves
-    // texts to GeneralStep: with the call in it, the compiler keeps its
-    // registers far worse (a fifth more instructions on calls).
-#define QEL_ASSIGN_TEXT(target, source, pushed) \
-    do {                                        \
-        if constexpr (counted) QEL_LEAVE();     \
-        registers = r;                          \
-        ++registers.next;                       \
-        registers.top += (pushed);              \
-        AssignText((target), (source));         \
+    // An operation out of line (a text, or tags the numbers' path does not
+    // know): the registers go to memory first as GeneralStep has them in the
+    // middle of the same step, for an exception, and come back after it, so
+    // that none of them has to survive the call in a machine register.
+#define QEL_OUT_OF_LINE(pushed, call)      \
+    do {                                   \
+        registers = r;                     \
+        ++registers.next;                  \
+        registers.top += (pushed);         \
+        call;                              \
+        r.next = registers.next - 1;       \
+        r.top = registers.top - (pushed);  \
+    } while (0)
+#define QEL_ASSIGN(target, source, pushed)                                       \
+    do {                                                                         \
+        if (!TryAssign((target), (source)))                         \
+            QEL_OUT_OF_LINE((pushed), AssignText((target), (source)));           \
+    } while (0)
+    // The same for a fused step: it goes on with the plain step at which
+    // the call leaves r.next.
+#define QEL_FUSED_OUT_OF_LINE(call) \
+    do {                            \
+        registers = r;              \
+        call;                       \
+        r.next = registers.next;    \
+        r.top = registers.top;      \
+        QEL_DISPATCH();             \
     } while (0)
     // A fused step that cannot go on: the instructions before address
-    // `done` of it are carried out, the plain steps take over from there.
+    // `done` of it are carried out, the plain step there takes over.
+#define QEL_DECLINE()                                              \
+    do {                                                           \
+        step = r.next;                                             \
+        goto* handlers[static_cast<size_t>(step->plain)];          \
+    } while (0)
 #define QEL_LEAVE_AT(done, newTop) \
     do {                           \
         r.top = (newTop);          \
         r.next += (done);          \
-        goto leave;                \
+        QEL_DECLINE();             \
     } while (0)
     // LOD a; LIT or LOD; OPR: the result in c, the second operand above it.
     // Both pushes must stay out of the reserve, or the stack has to grow in
     // between, as the plain steps do.
-#define QEL_LOAD_LIT(operation)                                          \
-    VALUE* const variable = LocalAt(step->first);                               \
-    VALUE* const c = r.top + 1;                                          \
-    if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
-    if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);         \
+    // A first operand that the numbers' path does not take: the three
+    // instructions out of line.
+#define QEL_PUSH_TWO(operation, general, first, second, present)                          \
+    VALUE* const c = r.top + 1;                                                           \
+    if (!(present) || c + 1 > limit) QEL_DECLINE();                                       \
+    if (!TryAssign(*c, *(first))) {                                          \
+        if constexpr (!reportsNothing<general>) QEL_DECLINE();                            \
+        QEL_FUSED_OUT_OF_LINE(PushTwoAndOperate<general>(registers, *(first), *(second))); \
+    }                                                                                     \
+    if (!TryAssign(c[1], *(second))) QEL_LEAVE_AT(1, c);                                  \
     if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
-#define QEL_LOAD_LOAD(operation)                                         \
-    VALUE* const variable = LocalAt(step->first);                               \
-    VALUE* const second = LocalAt(step->second);                            \
-    VALUE* const c = r.top + 1;                                          \
-    if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
-    if (!second || !TryAssign(c[1], *second)) QEL_LEAVE_AT(1, c);        \
-    if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
+#define QEL_LOAD_LIT(operation, general) \
+    VALUE* const variable = LocalAt(step->first); \
+    QEL_PUSH_TWO(operation, general, variable, step->fusedLiteral, variable)
+#define QEL_LOAD_LOAD(operation, general)           \
+    VALUE* const variable = LocalAt(step->first);   \
+    VALUE* const second = LocalAt(step->second);    \
+    QEL_PUSH_TWO(operation, general, variable, second, variable && second)
+    // PUSH; OPR.
+#define QEL_PUSH_ONE(operation, general, operand, present)                            \
+    VALUE* const c = r.top + 1;                                                       \
+    if (!(present) || c > limit) QEL_DECLINE();                                       \
+    if (!TryAssign(*c, *(operand))) {                                    \
+        if constexpr (!reportsNothing<general>) QEL_DECLINE();                        \
+        QEL_FUSED_OUT_OF_LINE(PushAndOperate<general>(registers, *(operand)));        \
+    }                                                                                 \
+    if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c)
 #define QEL_JUMP_IF_ZERO(condition)            \
     if ((condition)->intValue == 0) {          \
         QEL_TAKE_JUMP(step->target);      \
@@ -100,9 +195,11 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
 #define QEL_UNARY(operation) \
     if (!operation(*r.top)) QEL_LEAVE(); \
     QEL_NEXT()
-#define QEL_BINARY(operation)                                     \
-    if (r.top == s || !operation(r.top[-1], r.top[0])) QEL_LEAVE(); \
-    --r.top;                                                      \
+#define QEL_BINARY(operation, general)                                      \
+    if (r.top == s) QEL_LEAVE();                                            \
+    if (!operation(r.top[-1], r.top[0]))                       \
+        QEL_OUT_OF_LINE(-1, Generally<general>(r.top[-1], r.top[0]));       \
+    --r.top;                                                                \
     QEL_NEXT()
 
     // Threaded dispatch: every step ends in a jump of its own to the next
@@ -113,19 +210,19 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
 #define QEL_HANDLER(name) &&op_##name,
         QEL_PLAIN_STEPS(QEL_HANDLER)
 #undef QEL_HANDLER
-#define QEL_HANDLERS(name, operation) \
+#define QEL_HANDLERS(name, operation, general) \
         &&op_LoadLit##name, &&op_LoadLoad##name, &&op_Lit##name, &&op_Load##name,       \
         &&op_LitLoad##name,                                                             \
         &&op_LoadLoad##name##Store, &&op_##name##Store, &&op_LoadLit##name##Store,
         QEL_BINARY_OPERATIONS(QEL_HANDLERS)
 #undef QEL_HANDLERS
-#define QEL_HANDLERS(name, operation)                                           \
+#define QEL_HANDLERS(name, operation, general)                                           \
         &&op_LoadLit##name##Jump, &&op_LoadLoad##name##Jump, &&op_##name##Jump, \
         &&op_Lit##name##Jump,
         QEL_RELATIONS(QEL_HANDLERS)
 #undef QEL_HANDLERS
         &&op_IncrementVariable, &&op_DecrementVariable, &&op_LitStore, &&op_LoadElement,
-        &&op_LoadLitStoreElement, &&op_LoadPair, &&op_LoadLitPair,
+        &&op_LoadLitStoreElement, &&op_LoadPair, &&op_LoadLitPair, &&op_LoadStore,
     };
     static_assert(sizeof handlers / sizeof handlers[0] == static_cast<size_t>(Op::Count));
     if (decoded) {
@@ -147,48 +244,51 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     {
         {
             op_LitInt:
-                if (!TrySetInt(r.top[1], step->number)) QEL_LEAVE();
+                if (!TrySetInt(r.top[1], step->number))
+                    QEL_OUT_OF_LINE(1, SetIntOver(r.top[1], step->number));
                 ++r.top;
                 QEL_PUSHED();
                 QEL_NEXT();
             op_LitDouble:
-                if (!TrySetDouble(r.top[1], step->real)) QEL_LEAVE();
+                if (!TrySetDouble(r.top[1], step->real))
+                    QEL_OUT_OF_LINE(1, SetDoubleOver(r.top[1], step->real));
                 ++r.top;
                 QEL_PUSHED();
                 QEL_NEXT();
             op_Load:
                 if (!IsVariable(r, step->a)) QEL_LEAVE();
-                if (!TryAssign(r.top[1], r.frame[step->a]))
-                    QEL_ASSIGN_TEXT(r.top[1], r.frame[step->a], 1);
+                QEL_ASSIGN(r.top[1], r.frame[step->a], 1);
                 ++r.top;
                 QEL_PUSHED();
                 QEL_NEXT();
             op_LoadParameter:
-                if (!IsParameter(r, step->a) || !TryAssign(r.top[1], r.frame[step->a])) QEL_LEAVE();
+                if (!IsParameter(r, step->a)) QEL_LEAVE();
+                QEL_ASSIGN(r.top[1], r.frame[step->a], 1);
                 ++r.top;
                 QEL_PUSHED();
                 QEL_NEXT();
             op_LoadOuter: {
                 const int64_t cell = DataCell(s, capacity, r.b, step->l, step->a);
-                if (!IsCell(cell, capacity) || !TryAssign(r.top[1], s[cell])) QEL_LEAVE();
+                if (!IsCell(cell, capacity)) QEL_LEAVE();
+                QEL_ASSIGN(r.top[1], s[cell], 1);
                 ++r.top;
                 QEL_PUSHED();
                 QEL_NEXT();
             }
             op_Store:
                 if (!IsVariable(r, step->a) || r.top == s) QEL_LEAVE();
-                if (!TryAssign(r.frame[step->a], *r.top)) QEL_ASSIGN_TEXT(r.frame[step->a], *r.top, 0);
+                QEL_ASSIGN(r.frame[step->a], *r.top, 0);
                 --r.top;
                 QEL_NEXT();
             op_StoreParameter:
-                if (!IsParameter(r, step->a) || r.top == s || !TryAssign(r.frame[step->a], *r.top))
-                    QEL_LEAVE();
+                if (!IsParameter(r, step->a) || r.top == s) QEL_LEAVE();
+                QEL_ASSIGN(r.frame[step->a], *r.top, 0);
                 --r.top;
                 QEL_NEXT();
             op_StoreOuter: {
                 const int64_t cell = DataCell(s, capacity, r.b, step->l, step->a);
-                if (!IsCell(cell, capacity) || r.top == s || !TryAssign(s[cell], *r.top))
-                    QEL_LEAVE();
+                if (!IsCell(cell, capacity) || r.top == s) QEL_LEAVE();
+                QEL_ASSIGN(s[cell], *r.top, 0);
                 --r.top;
                 QEL_NEXT();
             }
@@ -233,13 +333,15 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_NEXT();
             op_LoadIndexed: {
                 const VALUE* element = ElementOf(s, capacity, r.b, step->l, step->a, *r.top);
-                if (!element || !TryAssign(*r.top, *element)) QEL_LEAVE();
+                if (!element) QEL_LEAVE();
+                QEL_ASSIGN(*r.top, *element, 0);
                 QEL_NEXT();
             }
             op_StoreIndexed: {
                 if (r.top - s < 2) QEL_LEAVE();
                 VALUE* element = ElementOf(s, capacity, r.b, step->l, step->a, r.top[-1]);
-                if (!element || !TryAssign(*element, *r.top)) QEL_LEAVE();
+                if (!element) QEL_LEAVE();
+                QEL_ASSIGN(*element, *r.top, 0);
                 r.top -= 2;
                 QEL_NEXT();
             }
@@ -259,25 +361,25 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 if (r.top > limit) goto leave;
                 QEL_DISPATCH();
             }
-            op_Plus: QEL_BINARY(TryAdd);
-            op_Minus: QEL_BINARY(TrySubtract);
-            op_Times: QEL_BINARY(TryMultiply);
+            op_Plus: QEL_BINARY(TryAdd, Add);
+            op_Minus: QEL_BINARY(TrySubtract, Subtract);
+            op_Times: QEL_BINARY(TryMultiply, Multiply);
             op_Divide:
                 if (r.top == s || !IsNumber(*r.top) || NumberIsZero(*r.top) ||
                     !TryDivide(r.top[-1], *r.top))
                     QEL_LEAVE();
                 --r.top;
                 QEL_NEXT();
-            op_Equal: QEL_BINARY(TryEqual);
-            op_NotEqual: QEL_BINARY(TryNotEqual);
-            op_Less: QEL_BINARY(TryLess);
-            op_GreaterEqual: QEL_BINARY(TryGreaterEqual);
-            op_Greater: QEL_BINARY(TryGreater);
-            op_LessEqual: QEL_BINARY(TryLessEqual);
-            op_BitOr: QEL_BINARY(TryBitOr);
-            op_BitAnd: QEL_BINARY(TryBitAnd);
-            op_Or: QEL_BINARY(TryOr);
-            op_And: QEL_BINARY(TryAnd);
+            op_Equal: QEL_BINARY(TryEqual, Equal);
+            op_NotEqual: QEL_BINARY(TryNotEqual, NotEqual);
+            op_Less: QEL_BINARY(TryLess, Less);
+            op_GreaterEqual: QEL_BINARY(TryGreaterEqual, GreaterEqual);
+            op_Greater: QEL_BINARY(TryGreater, Greater);
+            op_LessEqual: QEL_BINARY(TryLessEqual, LessEqual);
+            op_BitOr: QEL_BINARY(TryBitOr, BitOr);
+            op_BitAnd: QEL_BINARY(TryBitAnd, BitAnd);
+            op_Or: QEL_BINARY(TryOr, Or);
+            op_And: QEL_BINARY(TryAnd, And);
             op_Negate: QEL_UNARY(TryNegate);
             op_Decrement: QEL_UNARY(TryDecrement);
             op_Increment: QEL_UNARY(TryIncrement);
@@ -286,60 +388,53 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             op_BitNot: QEL_UNARY(TryBitNot);
             op_Not: QEL_UNARY(TryNot);
             op_Nothing: QEL_NEXT();
-#define QEL_FUSED_BINARY(name, operation)                                        \
+#define QEL_FUSED_BINARY(name, operation, general)                                        \
             op_LoadLit##name: {                                            \
-                QEL_LOAD_LIT(operation);                                         \
+                QEL_LOAD_LIT(operation, general);                                         \
                 r.top = c;                                                       \
                 r.next += 3;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
             op_LoadLoad##name: {                                           \
-                QEL_LOAD_LOAD(operation);                                        \
+                QEL_LOAD_LOAD(operation, general);                                        \
                 r.top = c;                                                       \
                 r.next += 3;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
             op_LoadLit##name##Store: {                                     \
-                QEL_LOAD_LIT(operation);                                         \
+                QEL_LOAD_LIT(operation, general);                                         \
                 VALUE* const target = LocalAt(step->store);                         \
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
                 r.next += 4;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
             op_Load##name: {                                                     \
-                VALUE* const variable = LocalAt(step->first);                          \
-                VALUE* const c = r.top + 1;                                      \
-                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE(); \
-                if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
+                VALUE* const variable = LocalAt(step->first);                    \
+                QEL_PUSH_ONE(operation, general, variable, variable);                      \
                 r.next += 2;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_LitLoad##name: {                                                  \
                 VALUE* const variable = LocalAt(step->store);                    \
-                VALUE* const c = r.top + 1;                                      \
-                if (c + 1 > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE(); \
-                if (!variable || !TryAssign(c[1], *variable)) QEL_LEAVE_AT(1, c); \
-                if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1);                \
+                QEL_PUSH_TWO(operation, general, step->fusedLiteral, variable, variable); \
                 r.top = c;                                                       \
                 r.next += 3;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_LoadLoad##name##Store: {                                          \
-                QEL_LOAD_LOAD(operation);                                        \
+                QEL_LOAD_LOAD(operation, general);                                        \
                 VALUE* const target = LocalAt(step->store);                        \
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
                 r.next += 4;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_Lit##name: {                                                \
-                VALUE* const c = r.top + 1;                                      \
-                if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE(); \
-                if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
+                QEL_PUSH_ONE(operation, general, step->fusedLiteral, true);            \
                 r.next += 2;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
             op_##name##Store: {                                              \
-                if (r.top == s || !operation(r.top[-1], *r.top)) QEL_LEAVE();    \
+                if (r.top == s || !operation(r.top[-1], *r.top)) QEL_DECLINE();    \
                 VALUE* const result = r.top - 1;                                 \
                 VALUE* const target = LocalAt(step->store);                         \
                 if (!target || result == s || !TryAssign(*target, *result))      \
@@ -351,17 +446,17 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             QEL_BINARY_OPERATIONS(QEL_FUSED_BINARY)
 #undef QEL_FUSED_BINARY
             // The relation leaves an integer, which JPC takes without a test.
-#define QEL_FUSED_RELATION(name, operation)                                      \
+#define QEL_FUSED_RELATION(name, operation, general)                                      \
             op_LoadLit##name##Jump: {                                      \
-                QEL_LOAD_LIT(operation);                                         \
+                QEL_LOAD_LIT(operation, general);                                         \
                 QEL_JUMP_IF_ZERO(c);                                             \
             }                                                                    \
             op_LoadLoad##name##Jump: {                                     \
-                QEL_LOAD_LOAD(operation);                                        \
+                QEL_LOAD_LOAD(operation, general);                                        \
                 QEL_JUMP_IF_ZERO(c);                                             \
             } \
             op_##name##Jump: {                                                   \
-                if (r.top == s || !operation(r.top[-1], *r.top)) QEL_LEAVE();    \
+                if (r.top == s || !operation(r.top[-1], *r.top)) QEL_DECLINE();    \
                 VALUE* const result = r.top - 1;                                 \
                 if (result == s) QEL_LEAVE_AT(1, result);                        \
                 r.top = result - 1;                                              \
@@ -373,9 +468,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_Lit##name##Jump: {                                                \
-                VALUE* const c = r.top + 1;                                      \
-                if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE(); \
-                if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                  \
+                QEL_PUSH_ONE(operation, general, step->fusedLiteral, true);            \
                 VALUE* const condition = r.top;                                  \
                 if (condition == s) QEL_LEAVE_AT(2, condition);                  \
                 r.top = condition - 1;                                           \
@@ -392,7 +485,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             op_DecrementVariable: {
                 VALUE* const variable = LocalAt(step->first);
                 VALUE* const c = r.top + 1;
-                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_DECLINE();
                 if (!TryStep(*c, step->op == Op::IncrementVariable ? 1 : -1)) QEL_LEAVE_AT(1, c);
                 if (!TryAssign(*variable, *c)) QEL_LEAVE_AT(2, c);
                 r.next += 3;
@@ -400,7 +493,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             }
             op_LitStore: {
                 VALUE* const c = r.top + 1;
-                if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_LEAVE();
+                if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_DECLINE();
                 VALUE* const target = LocalAt(step->store);
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(1, c);
                 r.next += 2;
@@ -409,7 +502,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             op_LoadElement: {
                 VALUE* const variable = LocalAt(step->first);
                 VALUE* const c = r.top + 1;
-                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!variable || c > limit || !TryAssign(*c, *variable)) QEL_DECLINE();
                 const VALUE* const element = LocalElement(LocalAt(step->store), *c);
                 if (!element || !TryAssign(*c, *element)) QEL_LEAVE_AT(1, c);
                 r.top = c;
@@ -419,7 +512,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             op_LoadLitStoreElement: {
                 VALUE* const variable = LocalAt(step->first);
                 VALUE* const c = r.top + 1;
-                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_DECLINE();
                 if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);
                 VALUE* const element = LocalElement(LocalAt(step->store), *c);
                 if (!element || !TryAssign(*element, c[1])) QEL_LEAVE_AT(2, c + 1);
@@ -430,7 +523,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 VALUE* const variable = LocalAt(step->first);
                 VALUE* const second = LocalAt(step->second);
                 VALUE* const c = r.top + 1;
-                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_DECLINE();
                 if (!second || !TryAssign(c[1], *second)) QEL_LEAVE_AT(1, c);
                 r.top = c + 1;
                 r.next += 2;
@@ -439,9 +532,20 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             op_LoadLitPair: {
                 VALUE* const variable = LocalAt(step->first);
                 VALUE* const c = r.top + 1;
-                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_LEAVE();
+                if (!variable || c + 1 > limit || !TryAssign(*c, *variable)) QEL_DECLINE();
                 if (!TryAssign(c[1], *step->fusedLiteral)) QEL_LEAVE_AT(1, c);
                 r.top = c + 1;
+                r.next += 2;
+                QEL_DISPATCH();
+            }
+            op_LoadStore: {
+                VALUE* const variable = LocalAt(step->first);
+                VALUE* const target = LocalAt(step->store);
+                VALUE* const c = r.top + 1;
+                if (!variable || !target || c > limit) QEL_DECLINE();
+                if (!TryAssign(*c, *variable))
+                    QEL_FUSED_OUT_OF_LINE(PushAndStore(registers, *variable, *target));
+                if (!TryAssign(*target, *c)) QEL_LEAVE_AT(1, c);
                 r.next += 2;
                 QEL_DISPATCH();
             }
@@ -462,7 +566,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_DISPATCH();
             }
             op_LitValue:
-                QEL_ASSIGN_TEXT(r.top[1], *step->literal, 1);
+                QEL_OUT_OF_LINE(1, AssignText(r.top[1], *step->literal));
                 ++r.top;
                 QEL_PUSHED();
                 QEL_NEXT();
@@ -480,7 +584,9 @@ leave:
 #undef QEL_NEXT
 #undef QEL_LEAVE
 #undef QEL_LEAVE_AT
-#undef QEL_ASSIGN_TEXT
+#undef QEL_OUT_OF_LINE
+#undef QEL_ASSIGN
+#undef QEL_DECLINE
 #undef QEL_LOAD_LIT
 #undef QEL_LOAD_LOAD
 #undef QEL_JUMP_IF_ZERO

@@ -45,27 +45,24 @@ inline bool IsCheckpoint(const Step& step) {
 template <bool counted>
 void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunWatch& watch) {
     for (;;) {
-        const FastEnd end = RunFast<counted>(m, watch, r, steps, length, m.stack, m.stackCapacity,
-                                    CheckPosition(watch.NextCheck()));
+        const FastEnd end = fastLoop ? RunFast<counted>(m, watch, r, steps, length, m.stack,
+                                                        m.stackCapacity, CheckPosition(watch.NextCheck()))
+                                     : FastEnd::Left;
         if (end == FastEnd::RunOver) return;
         if (end == FastEnd::Cancelled) {
             Stopped(m, r, steps, StopCause::Cancelled, watch);
             return;
         }
-        // While the top cell holds a text (the relations and + of texts),
-        // the steps stay here rather than go back and forth.
-        do {
-            if (r.travel + Position(r.next) >= CheckPosition(watch.NextCheck()) &&
-                IsCheckpoint(*r.next) && Stopped(m, r, steps, watch.Check(StepsTaken(r)), watch))
-                return;
-            if (!InReserve(m, r) && !GeneralStep(m, r, steps, length, watch)) return;
-            if (InReserve(m, r)) {
-                const int t = static_cast<int>(r.top - m.stack);
-                if (!Grow(m, AddressOf(steps, r.next), r.b, t, 0)) return;
-                r.top = m.stack + t;
-                SetFrame(r, m.stack, m.stackCapacity);
-            }
-        } while (r.top->type == tagString);
+        if (r.travel + Position(r.next) >= CheckPosition(watch.NextCheck()) &&
+            IsCheckpoint(*r.next) && Stopped(m, r, steps, watch.Check(StepsTaken(r)), watch))
+            return;
+        if (!InReserve(m, r) && !GeneralStep(m, r, steps, length, watch)) return;
+        if (InReserve(m, r)) {
+            const int t = static_cast<int>(r.top - m.stack);
+            if (!Grow(m, AddressOf(steps, r.next), r.b, t, 0)) return;
+            r.top = m.stack + t;
+            SetFrame(r, m.stack, m.stackCapacity);
+        }
     }
 }
 

@@ -54,7 +54,7 @@ private:
         switch (Pick(0, 9)) {
             case 0: v = Pick(-2, 2) * 0.5; break;
             case 1:
-                if (texts) v.SetString(Pick(0, 1) ? "0" : "7x");
+                if (texts) v.SetString(Pick(0, 2) == 0 ? "0" : Pick(0, 1) ? "7x" : "");
                 break;
             case 2: v.type = Pick(0, 1) ? 0 : 60; v.intValue = 0; break;
             default: v = Pick(-3, 9); break;
@@ -66,7 +66,7 @@ private:
     void Store() { pb.Ins(STO, 0, Variable()); }
 
     void Piece() {
-        switch (Pick(0, 20)) {
+        switch (Pick(0, 21)) {
             case 0: Load(); pb.Lit(Literal()).Op(Binary()); break;
             case 1: Load(); Load(); pb.Op(Binary()); break;
             case 2: Load(); pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 2 + Pick(1, 4)); break;
@@ -91,6 +91,7 @@ private:
             case 17: Load(); pb.Op(Binary()); break;
             case 18: pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 3 + Pick(1, 4)); break;
             case 19: pb.Lit(Literal()); Load(); pb.Op(Binary()); break;
+            case 20: Load(); Store(); break;
             default: pb.Ins(INT, 0, Pick(-3, 3)); break;
         }
     }
@@ -109,17 +110,20 @@ struct Outcome {
     std::vector<std::pair<int, std::string>> cells;  // tag and payload
 };
 
-// Unwatched, no control is attached, and the steps go uncounted.
-Outcome RunMade(unsigned seed, bool fused, bool watched = true) {
+// Unwatched, no control is attached, and the steps go uncounted. Without
+// the fast loop every step is a general one.
+Outcome RunMade(unsigned seed, bool fused, bool watched = true, bool fast = true) {
     ProgramBuilder pb;
     CRunControl control;
     control.maxSteps = 4000;  // loops end here, at the same jump either way
     const int frame = ProgramMaker(pb, seed).Make(40);
     pb.machine.control = watched ? &control : nullptr;
     qelkern::fuseSteps = fused;
+    qelkern::fastLoop = fast;
     Outcome outcome{pb.Run(), pb.machine.p, pb.machine.b, pb.machine.t, pb.machine.failed,
                     control.stepsTaken, pb.gen.Label(), {}};
     qelkern::fuseSteps = true;
+    qelkern::fastLoop = true;
     // The cells that a program can reach: those of the frame's start and
     // those above its end, as far as 40 pieces can push.
     std::vector<int> reached;
@@ -137,6 +141,29 @@ Outcome RunMade(unsigned seed, bool fused, bool watched = true) {
 }
 
 }  // namespace
+
+void ExpectSame(const Outcome& fused, const Outcome& plain, unsigned seed) {
+    ASSERT_EQ(fused.messages, plain.messages) << "seed " << seed;
+    ASSERT_EQ(fused.p, plain.p) << "seed " << seed;
+    ASSERT_EQ(fused.b, plain.b) << "seed " << seed;
+    ASSERT_EQ(fused.t, plain.t) << "seed " << seed;
+    ASSERT_EQ(fused.failed, plain.failed) << "seed " << seed;
+    ASSERT_EQ(fused.steps, plain.steps) << "seed " << seed;
+    ASSERT_EQ(fused.cells.size(), plain.cells.size()) << "seed " << seed;
+    for (size_t i = 0; i < plain.cells.size(); ++i)
+        ASSERT_EQ(fused.cells[i], plain.cells[i]) << "seed " << seed << " cell " << i;
+}
+
+// The fast loop's plain steps, texts among them, against the general step.
+TEST(FastLoop, DoesWhatTheGeneralStepDoes) {
+    for (unsigned seed = 1; seed <= 600; ++seed) {
+        const Outcome general = RunMade(seed, false, true, false);
+        ExpectSame(RunMade(seed, false), general, seed);
+        if (HasFatalFailure()) return;
+        ExpectSame(RunMade(seed, true), general, seed);
+        if (HasFatalFailure()) return;
+    }
+}
 
 TEST(FusedSteps, DoWhatThePlainStepsDo) {
     int stopped = 0, failed = 0, looped = 0;
