@@ -224,7 +224,7 @@ inline bool TryGreaterEqual(VALUE& left, const VALUE& right) {
 template <class Relation>
 inline bool CompareTexts(VALUE& left, const VALUE& right, Relation relation) {
     if (!AreTexts(left, right)) return false;
-    const int order = left.stringValue->str().compare(right.stringValue->str());
+    const int order = left.stringValue->view().compare(right.stringValue->view());
     SetInt(left, relation(order, 0) ? 1 : 0);
     return true;
 }

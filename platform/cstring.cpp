@@ -81,6 +81,33 @@ CString& CString::operator=(CString&& other) noexcept {
     return *this;
 }
 
+// The machine moves short texts from cell to cell all the time. Shared, each
+// move costs two atomic counts; copied into a buffer the string holds alone,
+// it costs a few stores, and after the first copy the buffer is there.
+bool CString::CopyShort(const CString& other) noexcept {
+    const std::string_view text = other.view();
+    if (buffer && buffer->references.load(std::memory_order_acquire) == 1 &&
+        text.size() <= static_cast<size_t>(buffer->capacity) &&
+        static_cast<size_t>(buffer->capacity) <= 2 * text.size() + 64) {
+        char* chars = buffer->Chars();
+        std::memcpy(chars, text.data(), text.size());
+        chars[text.size()] = 0;
+        buffer->tip.store(static_cast<unsigned>(text.size()), std::memory_order_relaxed);
+        length = static_cast<int>(text.size());
+        return true;
+    }
+    TextBuffer* fresh = nullptr;
+    try {
+        fresh = NewBuffer(std::max(static_cast<int>(text.size()), 32), text);
+    } catch (...) {
+        return false;  // sharing needs no memory
+    }
+    Release();
+    buffer = fresh;
+    length = static_cast<int>(text.size());
+    return true;
+}
+
 // The scanner assigns every name it reads to the same string, which mostly
 // holds its buffer alone by then. A buffer far too big is not kept for a
 // short text.

@@ -85,6 +85,7 @@ public:
     CString& operator=(const CString& other) noexcept {
         // Cells of the machine are loaded again and again with the same text.
         if (buffer != other.buffer) {
+            if (other.length <= shortText && other.buffer && CopyShort(other)) return *this;
             if (other.buffer) other.buffer->references.fetch_add(1, std::memory_order_relaxed);
             qelkern::TextBuffer* old = buffer;
             buffer = other.buffer;
@@ -184,6 +185,9 @@ private:
         length = 0;
     }
     static void ReleaseBuffer(qelkern::TextBuffer* shared) noexcept;
+    // Short texts are copied, not shared; false: no room to be had.
+    static constexpr int shortText = 64;
+    bool CopyShort(const CString& other) noexcept;
 
     mutable qelkern::TextBuffer* buffer = nullptr;  // null: the empty text
     int length = 0;

@@ -121,3 +121,28 @@ TEST(CStringSharing, TextsAreChargedToTheActiveBudget) {
     EXPECT_EQ(budget.Used(), 0u);
     EXPECT_TRUE(budget.Exceeded());
 }
+
+// Short texts are copied on assignment, into the buffer the target holds
+// alone where it can; that must never let two strings see each other's
+// edits, and a copy that finds no memory falls back to sharing.
+TEST(CStringSharing, ShortAssignmentsCopyApartAndNeverFail) {
+    CString cell("Mueller, Berta");
+    const CString first("Meier, Anton"), second("Meier, Anna");
+    for (const CString* source : {&first, &second, &first}) {
+        cell = *source;
+        cell.SetAt(0, 'X');
+        EXPECT_EQ(source->GetAt(0), 'M');
+        EXPECT_EQ(cell.view().substr(1), source->view().substr(1));
+    }
+    CString sharer = cell;  // the buffer is no longer the cell's alone
+    cell = second;
+    EXPECT_EQ(sharer, "Xeier, Anton");
+    EXPECT_EQ(cell, "Meier, Anna");
+
+    const CString outside("short");
+    qelkern::MemoryBudget budget(16);
+    CString target;
+    target = outside;
+    EXPECT_EQ(target, "short");
+    EXPECT_EQ(budget.Used(), 0u);
+}
