@@ -1,0 +1,210 @@
+// One input of the editor fuzzer: a user types, pastes, deletes, moves and
+// undoes in the colouring editor on the in-memory widget. Shared by the
+// fuzzer and by the test that replays the kept inputs.
+#pragma once
+
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+#include <algorithm>
+
+#include "environment/basis_routines.h"
+#include "pipeline/keywords.h"
+#include "qelkern/qelkern.h"
+
+namespace fuzz {
+
+// The editor as a script dialog sets it up: the language's words, bracket
+// comments, double quotes.
+struct FuzzEditor {
+    CTWScriptEdit edit;
+    CMemoryRichEdit* widget = nullptr;
+
+    FuzzEditor() {
+        edit.Create();
+        widget = dynamic_cast<CMemoryRichEdit*>(edit.GetWidget());
+        edit.Initialize();
+        std::string keywords, constants;
+        for (int i = 0; i < keywordRowCount; ++i) keywords += std::string(" ") + keywordRows[i].text + " ";
+        for (const BasisRoutine& row : BasisRoutinen::table) constants += std::string(" ") + row.name + " ";
+        edit.AddKeywords(keywords.c_str());
+        edit.AddConstants(constants.c_str());
+        edit.SetSLComment("(*", "*)");
+        edit.SetStringQuotes("\"");
+    }
+
+    const std::string& Text() const { return widget->Text(); }
+    std::pair<int, int> Sel() const {
+        long start = 0, end = 0;
+        edit.GetSel(start, end);
+        return {static_cast<int>(start), static_cast<int>(end)};
+    }
+};
+
+// Reads the input as a row of actions, each a byte and its arguments.
+class EditInput {
+public:
+    EditInput(const uint8_t* bytes, size_t length) : at(bytes), end(bytes + length) {}
+    bool Empty() const { return at == end; }
+    uint8_t Byte() { return at == end ? 0 : *at++; }
+    // Up to 31 characters; a NUL would end the text early, so it is a blank.
+    std::string Text() {
+        std::string text(Byte() % 32, ' ');
+        for (char& c : text) c = static_cast<char>(Byte());
+        for (char& c : text)
+            if (c == '\0') c = ' ';
+        return text;
+    }
+
+private:
+    const uint8_t* at;
+    const uint8_t* end;
+};
+
+// The widget's paragraph ends: "\r\n" and "\n" are "\r".
+inline std::string AsParagraphs(const std::string& text) {
+    std::string out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+        out += text[i] == '\n' ? '\r' : text[i];
+    }
+    return out;
+}
+
+// What typing gives: only printable characters, return and tab go in.
+inline std::string AsTyped(const std::string& text) {
+    std::string out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const unsigned char c = static_cast<unsigned char>(text[i]);
+        if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+        if (c == '\n' || c == '\r') out += '\r';
+        else if (c == '\t' || (c >= 32 && c != 127)) out += static_cast<char>(c);
+    }
+    return out;
+}
+
+// The colouring only changes the case of words, never their letters.
+inline bool SameButCase(const std::string& a, const std::string& b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i)
+        if (std::toupper(static_cast<unsigned char>(a[i])) != std::toupper(static_cast<unsigned char>(b[i])))
+            return false;
+    return true;
+}
+
+inline std::string Spliced(const std::string& text, int start, int end, const std::string& inserted) {
+    return text.substr(0, static_cast<size_t>(start)) + inserted + text.substr(static_cast<size_t>(end));
+}
+
+// Carries out one action; returns the text it must leave, or the widget's
+// own text where the effect is not worth predicting (undo, caret keys).
+inline std::string Act(FuzzEditor& e, EditInput& input) {
+    const std::string before = e.Text();
+    const auto [start, end] = e.Sel();
+    const int length = static_cast<int>(before.size());
+    switch (input.Byte() % 10) {
+    case 0: {
+        const std::string typed = input.Text();
+        e.widget->UserTypes(typed.c_str());
+        const std::string asTyped = AsTyped(typed);
+        return asTyped.empty() ? before : Spliced(before, start, end, asTyped);
+    }
+    case 1: {
+        const std::string pasted = input.Text();
+        GetClipboard().SetText(pasted.c_str());
+        e.widget->UserPastes();
+        // An empty clipboard gives nothing to paste, so the selection stays.
+        return pasted.empty() ? before : Spliced(before, start, end, AsParagraphs(pasted));
+    }
+    case 2: {
+        const std::string replacement = input.Text();
+        e.edit.ReplaceSel(replacement.c_str(), (input.Byte() & 1) != 0);
+        return Spliced(before, start, end, AsParagraphs(replacement));
+    }
+    case 3: {
+        const int anchor = input.Byte() % (length + 1);
+        const int active = input.Byte() % (length + 1);
+        e.edit.SetSel(anchor, active);
+        return before;
+    }
+    case 4: {
+        const bool back = (input.Byte() & 1) != 0;
+        e.widget->UserPressesKey(back ? VK_BACK : VK_DELETE);
+        if (start < end) return Spliced(before, start, end, "");
+        if (back) return start > 0 ? Spliced(before, start - 1, start, "") : before;
+        return start < length ? Spliced(before, start, start + 1, "") : before;
+    }
+    case 5: {
+        static const UINT keys[] = {VK_LEFT, VK_RIGHT, VK_HOME, VK_END, VK_UP, VK_DOWN};
+        const uint8_t b = input.Byte();
+        e.widget->UserPressesKey(keys[b % 6], false, (b & 8) != 0);
+        return before;
+    }
+    case 6:
+        e.widget->UserCuts();
+        return Spliced(before, start, end, "");
+    case 7: {
+        const int target = input.Byte() % (length + 1);
+        e.widget->UserDragsSelection(target);
+        return e.Text();
+    }
+    case 8:
+        e.widget->UserUndoes();
+        return e.Text();
+    default: {
+        // Marked protected, the widget tells the editor the kind of each change.
+        CHARFORMAT cf;
+        cf.dwMask = CFM_PROTECTED;
+        cf.dwEffects = (input.Byte() & 1) != 0 ? static_cast<DWORD>(CFE_PROTECTED) : 0u;
+        e.edit.SetSel(0, -1);
+        e.edit.SetSelectionCharFormat(cf);
+        e.edit.SetSel(start, end);
+        return before;
+    }
+    }
+}
+
+// Colour and boldness of each character up to the one behind the last
+// token: the plain text further on keeps whatever look it had.
+inline std::vector<std::pair<COLORREF, bool>> Look(const FuzzEditor& e, int length) {
+    std::vector<std::pair<COLORREF, bool>> look;
+    for (int i = 0; i < length; ++i) {
+        const CHARFORMAT cf = e.widget->CharFormatAt(i);
+        look.emplace_back(cf.crTextColor, (cf.dwEffects & CFE_BOLD) != 0);
+    }
+    return look;
+}
+
+inline int ColouredLength(const FuzzEditor& e) {
+    const auto look = Look(e, static_cast<int>(e.Text().size()));
+    int lastToken = -1;
+    for (int i = 0; i < static_cast<int>(look.size()); ++i)
+        if (look[static_cast<size_t>(i)] != std::make_pair(COLORREF{0}, false)) lastToken = i;
+    return std::min(lastToken + 2, static_cast<int>(look.size()));
+}
+
+// Empty when the editor kept its promises: the text is what the user did
+// to it, up to the case of words; coloured again as a whole, it looks as
+// the same text freshly set.
+inline std::string EditOne(const uint8_t* data, size_t size) {
+    FuzzEditor e;
+    EditInput input(data, size);
+    for (int action = 0; action < 64 && !input.Empty(); ++action) {
+        const std::string expected = Act(e, input);
+        if (!SameButCase(e.Text(), expected)) return "text differs from the actions' after action " + std::to_string(action);
+        const auto [start, end] = e.Sel();
+        if (start < 0 || start > end || end > static_cast<int>(e.Text().size())) return "selection outside the text";
+    }
+    e.edit.FormatAll();
+    FuzzEditor fresh;
+    fresh.edit.SetWindowText(e.Text().c_str());
+    if (fresh.Text() != e.Text()) return "case of the words differs from a fresh colouring";
+    const int coloured = ColouredLength(fresh);
+    if (Look(fresh, coloured) != Look(e, coloured)) return "colouring differs from a fresh one";
+    return "";
+}
+
+}  // namespace fuzz
