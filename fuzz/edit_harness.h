@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -87,12 +88,9 @@ inline std::string AsTyped(const std::string& text) {
 }
 
 // The colouring only changes the case of words, never their letters.
-inline bool SameButCase(const std::string& a, const std::string& b) {
-    if (a.size() != b.size()) return false;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (std::toupper(static_cast<unsigned char>(a[i])) != std::toupper(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
+inline std::string Folded(std::string text) {
+    for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return text;
 }
 
 inline std::string Spliced(const std::string& text, int start, int end, const std::string& inserted) {
@@ -100,15 +98,21 @@ inline std::string Spliced(const std::string& text, int start, int end, const st
 }
 
 // Carries out one action; returns the text it must leave, or the widget's
-// own text where the effect is not worth predicting (undo, caret keys).
-inline std::string Act(FuzzEditor& e, EditInput& input) {
+// own text where the effect is not worth predicting (a move); none for an
+// undo, which must bring back a text seen before. Typing adds the text of
+// each keystroke to those seen.
+inline std::optional<std::string> Act(FuzzEditor& e, EditInput& input, std::vector<std::string>& seen) {
     const std::string before = e.Text();
     const auto [start, end] = e.Sel();
     const int length = static_cast<int>(before.size());
     switch (input.Byte() % 10) {
     case 0: {
         const std::string typed = input.Text();
-        e.widget->UserTypes(typed.c_str());
+        for (size_t i = 0; i < typed.size(); ++i) {
+            if (typed[i] == '\r' && i + 1 < typed.size() && typed[i + 1] == '\n') continue;
+            e.widget->UserTypes(typed.substr(i, 1).c_str());
+            seen.push_back(Folded(e.Text()));
+        }
         const std::string asTyped = AsTyped(typed);
         return asTyped.empty() ? before : Spliced(before, start, end, asTyped);
     }
@@ -153,7 +157,7 @@ inline std::string Act(FuzzEditor& e, EditInput& input) {
     }
     case 8:
         e.widget->UserUndoes();
-        return e.Text();
+        return std::nullopt;
     default: {
         // Marked protected, the widget tells the editor the kind of each change.
         CHARFORMAT cf;
@@ -192,11 +196,17 @@ inline int ColouredLength(const FuzzEditor& e) {
 inline std::string EditOne(const uint8_t* data, size_t size) {
     FuzzEditor e;
     EditInput input(data, size);
+    std::vector<std::string> seen{Folded(e.Text())};
     for (int action = 0; action < 64 && !input.Empty(); ++action) {
-        const std::string expected = Act(e, input);
-        if (!SameButCase(e.Text(), expected)) return "text differs from the actions' after action " + std::to_string(action);
+        const std::optional<std::string> expected = Act(e, input, seen);
+        const std::string now = Folded(e.Text());
+        const std::string where = " after action " + std::to_string(action);
+        if (expected && now != Folded(*expected)) return "text differs from the actions'" + where;
+        if (!expected && std::find(seen.begin(), seen.end(), now) == seen.end())
+            return "undo made a text never seen" + where;
+        seen.push_back(now);
         const auto [start, end] = e.Sel();
-        if (start < 0 || start > end || end > static_cast<int>(e.Text().size())) return "selection outside the text";
+        if (start < 0 || start > end || end > static_cast<int>(e.Text().size())) return "selection outside the text" + where;
     }
     e.edit.FormatAll();
     FuzzEditor fresh;
