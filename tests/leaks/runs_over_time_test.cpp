@@ -14,6 +14,20 @@
 // other; whatever a run keeps must be back by the next, so neither the live
 // allocations nor the resident memory may grow once the first hundred runs
 // have filled the caches.
+// The address sanitizer holds freed blocks back on purpose, so resident
+// memory grows under it; its leak check and the count of live blocks stand in.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool residentMemoryCounts = false;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool residentMemoryCounts = false;
+#else
+constexpr bool residentMemoryCounts = true;
+#endif
+#else
+constexpr bool residentMemoryCounts = true;
+#endif
+
 namespace {
 
 CRunControl* activeControl = nullptr;
@@ -39,8 +53,13 @@ struct Script {
     const char* what;
     std::string source;
     ScriptErrorKind kind;
-    bool limited = true;  // false: the stack is let run full
 };
+
+// Run without limits, so that the stack fills; the slowest ending, so it
+// comes only every hundredth run.
+const Script stackOverflow = {
+    "stack overflow", "VAR s : STRING; PROCEDURE p(t : STRING); BEGIN p(t) END; BEGIN p(\"geteilt\") END.",
+    ScriptErrorKind::Runtime};
 
 std::vector<Script> Scripts() {
     const std::string declarations =
@@ -58,8 +77,6 @@ std::vector<Script> Scripts() {
         {"compile error", declarations + "VAR s : STRING; BEGIN s := 1 + ; (* x *) END.", ScriptErrorKind::Compile},
         {"division by zero", "VAR i, n : INTEGER; s : STRING; BEGIN s := \"kept\"; n := 0; i := 5 / n END.",
          ScriptErrorKind::Runtime},
-        {"stack overflow", "VAR s : STRING; PROCEDURE p(t : STRING); BEGIN p(t) END; BEGIN p(\"geteilt\") END.",
-         ScriptErrorKind::Runtime, false},
         {"index", "VAR a : ARRAY [3] OF STRING; i : INTEGER; BEGIN i := 3; a[0] := \"x\"; a[i] := \"y\" END.",
          ScriptErrorKind::Runtime},
         {"step budget", "VAR s : STRING; BEGIN LOOP s := s + \"x\" END END.", ScriptErrorKind::Stopped},
@@ -98,8 +115,9 @@ TEST(RunsOverTime, AThousandRunsOfEveryEndingKeepNothing) {
     size_t residentAfter100 = 0;
     int wrongEndings = 0;
     for (int run = 1; run <= 1000; ++run) {
-        const Script& script = scripts[static_cast<size_t>(run) % scripts.size()];
-        pRunControl = script.limited ? &control : nullptr;
+        const bool overflow = run % 100 == 50;
+        const Script& script = overflow ? stackOverflow : scripts[static_cast<size_t>(run) % scripts.size()];
+        pRunControl = overflow ? nullptr : &control;
         std::string text = script.source;
         const int result = RunScript("/nonexistent-qel-prelude/", text.data(), static_cast<int>(text.size()),
                                      run % 2 == 0, true);
@@ -125,5 +143,7 @@ TEST(RunsOverTime, AThousandRunsOfEveryEndingKeepNothing) {
     EXPECT_LE(liveAfter1000, liveAfter100 + 20);
     // The allocator may keep freed pages; a run keeping its stack or texts would
     // add far more than this over 900 runs.
-    EXPECT_LE(residentAfter1000, residentAfter100 + (size_t{8} << 20));
+    if (residentMemoryCounts) {
+        EXPECT_LE(residentAfter1000, residentAfter100 + (size_t{8} << 20));
+    }
 }
