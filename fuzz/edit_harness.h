@@ -97,8 +97,7 @@ inline std::string Spliced(const std::string& text, int start, int end, const st
     return text.substr(0, static_cast<size_t>(start)) + inserted + text.substr(static_cast<size_t>(end));
 }
 
-// Carries out one action; returns the text it must leave, or the widget's
-// own text where the effect is not worth predicting (a move); none for an
+// Carries out one action; returns the text it must leave, or none for an
 // undo, which must bring back a text seen before. Typing adds the text of
 // each keystroke to those seen.
 inline std::optional<std::string> Act(FuzzEditor& e, EditInput& input, std::vector<std::string>& seen) {
@@ -153,7 +152,10 @@ inline std::optional<std::string> Act(FuzzEditor& e, EditInput& input, std::vect
     case 7: {
         const int target = input.Byte() % (length + 1);
         e.widget->UserDragsSelection(target);
-        return e.Text();
+        if (start == end || (target >= start && target <= end)) return before;
+        const std::string moved = before.substr(static_cast<size_t>(start), static_cast<size_t>(end - start));
+        if (target < start) return Spliced(Spliced(before, start, end, ""), target, target, moved);
+        return Spliced(Spliced(before, target, target, moved), start, end, "");
     }
     case 8:
         e.widget->UserUndoes();
@@ -171,8 +173,7 @@ inline std::optional<std::string> Act(FuzzEditor& e, EditInput& input, std::vect
     }
 }
 
-// Colour and boldness of each character up to the one behind the last
-// token: the plain text further on keeps whatever look it had.
+// Colour and boldness of the first `length` characters.
 inline std::vector<std::pair<COLORREF, bool>> Look(const FuzzEditor& e, int length) {
     std::vector<std::pair<COLORREF, bool>> look;
     for (int i = 0; i < length; ++i) {
@@ -182,6 +183,8 @@ inline std::vector<std::pair<COLORREF, bool>> Look(const FuzzEditor& e, int leng
     return look;
 }
 
+// Up to the character behind the last token: the plain text further on
+// keeps whatever look it had.
 inline int ColouredLength(const FuzzEditor& e) {
     const auto look = Look(e, static_cast<int>(e.Text().size()));
     int lastToken = -1;
