@@ -97,10 +97,20 @@ inline std::string Spliced(const std::string& text, int start, int end, const st
     return text.substr(0, static_cast<size_t>(start)) + inserted + text.substr(static_cast<size_t>(end));
 }
 
+// The texts the user saw, to which an undo must go back. A replacement of
+// the same length that the host makes without an undo step (as the
+// colouring does to the case of words) keeps the steps before it, so an
+// undo past it mixes old and new text: until the steps are gone, undo is
+// not checked.
+struct History {
+    std::vector<std::string> seen;
+    bool undoChecked = true;
+};
+
 // Carries out one action; returns the text it must leave, or none for an
 // undo, which must bring back a text seen before. Typing adds the text of
 // each keystroke to those seen.
-inline std::optional<std::string> Act(FuzzEditor& e, EditInput& input, std::vector<std::string>& seen) {
+inline std::optional<std::string> Act(FuzzEditor& e, EditInput& input, History& history) {
     const std::string before = e.Text();
     const auto [start, end] = e.Sel();
     const int length = static_cast<int>(before.size());
@@ -110,7 +120,7 @@ inline std::optional<std::string> Act(FuzzEditor& e, EditInput& input, std::vect
         for (size_t i = 0; i < typed.size(); ++i) {
             if (typed[i] == '\r' && i + 1 < typed.size() && typed[i + 1] == '\n') continue;
             e.widget->UserTypes(typed.substr(i, 1).c_str());
-            seen.push_back(Folded(e.Text()));
+            history.seen.push_back(Folded(e.Text()));
         }
         const std::string asTyped = AsTyped(typed);
         return asTyped.empty() ? before : Spliced(before, start, end, asTyped);
@@ -124,7 +134,9 @@ inline std::optional<std::string> Act(FuzzEditor& e, EditInput& input, std::vect
     }
     case 2: {
         const std::string replacement = input.Text();
-        e.edit.ReplaceSel(replacement.c_str(), (input.Byte() & 1) != 0);
+        const bool canUndo = (input.Byte() & 1) != 0;
+        e.edit.ReplaceSel(replacement.c_str(), canUndo);
+        if (!canUndo && e.widget->CanUndo()) history.undoChecked = false;
         return Spliced(before, start, end, AsParagraphs(replacement));
     }
     case 3: {
@@ -199,15 +211,17 @@ inline int ColouredLength(const FuzzEditor& e) {
 inline std::string EditOne(const uint8_t* data, size_t size) {
     FuzzEditor e;
     EditInput input(data, size);
-    std::vector<std::string> seen{Folded(e.Text())};
+    History history{{Folded(e.Text())}};
     for (int action = 0; action < 64 && !input.Empty(); ++action) {
-        const std::optional<std::string> expected = Act(e, input, seen);
+        const std::optional<std::string> expected = Act(e, input, history);
         const std::string now = Folded(e.Text());
         const std::string where = " after action " + std::to_string(action);
         if (expected && now != Folded(*expected)) return "text differs from the actions'" + where;
-        if (!expected && std::find(seen.begin(), seen.end(), now) == seen.end())
+        const std::vector<std::string>& seen = history.seen;
+        if (!expected && history.undoChecked && std::find(seen.begin(), seen.end(), now) == seen.end())
             return "undo made a text never seen" + where;
-        seen.push_back(now);
+        history.seen.push_back(now);
+        if (!e.widget->CanUndo()) history.undoChecked = true;
         const auto [start, end] = e.Sel();
         if (start < 0 || start > end || end > static_cast<int>(e.Text().size())) return "selection outside the text" + where;
     }
