@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "fuzz/fuzz_debugger.h"
 #include "fuzz/fuzz_host.h"
 #include "qelkern/diagnostics.h"
 #include "qelkern/runcontrol.h"
@@ -19,11 +20,14 @@ struct RunOutcome {
     StopCause stopCause = StopCause::None;
     long shown = 0;
     bool showErrors = false;
+    int debuggerPauses = 0;
+    std::string debuggerBroken;  // what the debugger saw go wrong, if debugged
 };
 
 // The first byte: bit 0 shows errors, bit 1 tightens the step budget, bit 2
-// the memory budget, so that the stops land in many places of a script. The
-// rest is the script; there is no prelude.
+// the memory budget, so that the stops land in many places of a script; bit
+// 3 runs under the debugger, the upper bits choose its steps. The rest is
+// the script; there is no prelude.
 inline RunOutcome RunOne(const uint8_t* data, size_t size) {
     RunOutcome outcome;
     if (size == 0) return outcome;
@@ -31,6 +35,8 @@ inline RunOutcome RunOne(const uint8_t* data, size_t size) {
     control.maxSteps = (data[0] & 2) != 0 ? 1000 : 100000;
     control.maxMemoryBytes = (data[0] & 4) != 0 ? size_t{256} << 10 : size_t{4} << 20;
     HostScope host(&control);
+    FuzzDebugger debugger(static_cast<uint8_t>(data[0] >> 4));
+    DebuggerScope debugging((data[0] & 8) != 0 ? &debugger : nullptr);
     outcome.showErrors = (data[0] & 1) != 0;
     std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
     outcome.result = RunScript("/nonexistent-qel-prelude/", text.data(), static_cast<int>(text.size()),
@@ -38,6 +44,8 @@ inline RunOutcome RunOne(const uint8_t* data, size_t size) {
     outcome.error = GetLastScriptError();
     outcome.stopCause = control.stopCause;
     outcome.shown = HostScope::ui.shown;
+    outcome.debuggerPauses = debugger.pauses;
+    outcome.debuggerBroken = debugger.broken;
     return outcome;
 }
 
@@ -46,6 +54,7 @@ inline RunOutcome RunOne(const uint8_t* data, size_t size) {
 // a run that succeeded records no error; only the step budget may stop it.
 inline std::string BrokenPromise(const RunOutcome& run) {
     const ScriptErrorKind kind = run.error.kind;
+    if (!run.debuggerBroken.empty()) return "debugger saw " + run.debuggerBroken;
     if (run.result != 0 && run.result != 1) return "result neither 0 nor 1";
     if (run.result == 1) return kind == ScriptErrorKind::None ? "" : "success with an error recorded";
     if (kind == ScriptErrorKind::None || kind == ScriptErrorKind::Warning) return "failure without an error recorded";

@@ -89,3 +89,20 @@ TEST(FuzzCorpus, RunBudgetsStopEndlessAndGreedyScripts) {
         EXPECT_EQ(outcome.stopCause, c.cause);
     }
 }
+
+// Under the fuzz debugger a script pauses, yet the user sees what a plain run shows.
+TEST(FuzzCorpus, DebuggedRunsShowWhatPlainRunsShow) {
+    for (const char* name : {"ok-debugged-example-strings", "bad-debugged-runtime-division-by-zero"}) {
+        SCOPED_TRACE(name);
+        std::string debugged = ReadFileBytes(std::string(QEL_SOURCE_DIR "/fuzz/corpus/run/") + name);
+        std::string plain = debugged;
+        plain[0] = static_cast<char>(plain[0] & 7);
+        const fuzz::RunOutcome withDebugger = fuzz::RunOne(Bytes(debugged), debugged.size());
+        const fuzz::RunOutcome without = fuzz::RunOne(Bytes(plain), plain.size());
+        EXPECT_GT(withDebugger.debuggerPauses, 0);
+        EXPECT_EQ(without.debuggerPauses, 0);
+        EXPECT_EQ(withDebugger.result, without.result);
+        EXPECT_EQ(withDebugger.shown, without.shown);
+        EXPECT_EQ(withDebugger.error.message, without.error.message);
+    }
+}
