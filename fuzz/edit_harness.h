@@ -143,6 +143,17 @@ inline std::vector<std::pair<COLORREF, bool>> Look(const FuzzEditor& e, int leng
     return look;
 }
 
+// Sets the text and colours it once as a whole. The change notice that
+// setting a text sends colours only the lines around the caret, to the
+// length of the caret's line, and the plain text behind the last token keeps
+// that look; so it is held back here, and the reference is the colouring of
+// the text alone.
+inline void ColourAfresh(FuzzEditor& fresh, const std::string& text) {
+    fresh.edit.forcedChange = 1;
+    fresh.edit.SetWindowText(text.c_str());
+    fresh.edit.forcedChange = 0;
+}
+
 // Up to the character behind the last token: the plain text further on
 // keeps whatever look it had.
 inline int ColouredLength(const FuzzEditor& e) {
@@ -175,7 +186,7 @@ inline std::string EditOne(const uint8_t* data, size_t size) {
     }
     e.edit.FormatAll();
     FuzzEditor fresh;
-    fresh.edit.SetWindowText(e.Text().c_str());
+    ColourAfresh(fresh, e.Text());
     if (fresh.Text() != e.Text()) return "case of the words differs from a fresh colouring";
     const int coloured = ColouredLength(fresh);
     if (Look(fresh, coloured) != Look(e, coloured)) return "colouring differs from a fresh one";

@@ -25,7 +25,7 @@ TEST(FuzzEditCorpus, TheHarnessNoticesAStaleColouring) {
     fuzz::FuzzEditor typed;
     typed.widget->UserTypes("BEGIN x END");
     fuzz::FuzzEditor fresh;
-    fresh.edit.SetWindowText("BEGIN x END");
+    fuzz::ColourAfresh(fresh, "BEGIN x END");
     const int coloured = fuzz::ColouredLength(fresh);
     EXPECT_EQ(coloured, 11);
     EXPECT_EQ(fuzz::Look(fresh, coloured), fuzz::Look(typed, coloured));
@@ -35,4 +35,18 @@ TEST(FuzzEditCorpus, TheHarnessNoticesAStaleColouring) {
     typed.edit.SetSel(0, 2);
     typed.edit.SetSelectionCharFormat(cf);
     EXPECT_NE(fuzz::Look(fresh, coloured), fuzz::Look(typed, coloured));
+}
+
+// The reference colours the text as a whole: setting a text colours first the
+// lines around the caret, to the length of the caret's line, and the plain
+// text behind the last token keeps that look ("abs" of "absA" a constant).
+TEST(FuzzEditCorpus, TheReferenceColouringSeesWholeWords) {
+    const std::string text = "\xff\xff X\xc2\xff\r V absA";
+    fuzz::FuzzEditor set;
+    set.edit.SetWindowText(text.c_str());
+    fuzz::FuzzEditor fresh;
+    fuzz::ColourAfresh(fresh, text);
+    const auto plain = std::make_pair(COLORREF{0}, false);
+    EXPECT_NE(fuzz::Look(set, 14)[10], plain);
+    EXPECT_EQ(fuzz::Look(fresh, 14)[10], plain);
 }
