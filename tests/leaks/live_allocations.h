@@ -1,0 +1,4 @@
+#pragma once
+
+// Blocks from the global operator new not yet deleted, in this program.
+long LiveAllocations();
