@@ -96,11 +96,15 @@ bool CString::CopyShort(const CString& other) noexcept {
         length = static_cast<int>(text.size());
         return true;
     }
+    // Sharing needs no memory: near a budget's limit, or without memory, it
+    // is the answer, and the budget must not count that as exceeded.
+    const int capacity = std::max(static_cast<int>(text.size()), 32);
+    if (!qelkern::MemoryRoomFor(BytesOf(capacity))) return false;
     TextBuffer* fresh = nullptr;
     try {
-        fresh = NewBuffer(std::max(static_cast<int>(text.size()), 32), text);
+        fresh = NewBuffer(capacity, text);
     } catch (...) {
-        return false;  // sharing needs no memory
+        return false;
     }
     Release();
     buffer = fresh;

@@ -51,6 +51,11 @@ void RefundMemory(unsigned serial, size_t bytes) noexcept {
     if (serial != 0 && budget && budget->Serial() == serial) budget->Refund(bytes);
 }
 
+bool MemoryRoomFor(size_t bytes) noexcept {
+    const MemoryBudget* budget = activeBudget;
+    return !budget || budget->Room() >= bytes;
+}
+
 ScriptMemoryScope::ScriptMemoryScope(CRunControl* runControl) : control(runControl) {
     if (control && control->maxMemoryBytes > 0) budget.emplace(control->maxMemoryBytes);
 }

@@ -29,6 +29,7 @@ public:
 
     size_t Used() const { return used; }
     bool Exceeded() const { return exceeded; }
+    size_t Room() const { return limit - used; }
     unsigned Serial() const { return serial; }
 
     void Charge(size_t bytes);
@@ -47,6 +48,10 @@ private:
 unsigned ChargeMemory(size_t bytes);
 // A refund counts only with the budget that was charged, if still active.
 void RefundMemory(unsigned serial, size_t bytes) noexcept;
+// Whether a charge of `bytes` would stay within the active budget: for
+// allocations that are only worth making while there is room, and must not
+// mark the budget exceeded when there is none.
+bool MemoryRoomFor(size_t bytes) noexcept;
 
 // The budget of one script run as the host's run control asks for it; none
 // without a control or a limit. A run it ends gets the stop cause MemoryLimit.

@@ -145,4 +145,5 @@ TEST(CStringSharing, ShortAssignmentsCopyApartAndNeverFail) {
     target = outside;
     EXPECT_EQ(target, "short");
     EXPECT_EQ(budget.Used(), 0u);
+    EXPECT_FALSE(budget.Exceeded()) << "a copy not made is no failure of the script";
 }
