@@ -19,28 +19,23 @@ inline int ToAddress(intptr_t a) {
 // The binary OPR sub-operations, with the fast form that computes them in
 // place and the form for any tags (machine/cell_ops.h), and the relations
 // among them.
-#define QEL_BINARY_OPERATIONS(X) \
-    X(Plus, TryAdd, Add)              \
-    X(Minus, TrySubtract, Subtract)        \
-    X(Times, TryMultiply, Multiply)        \
-    X(Divide, TryCheckedDivide, Divide)  \
-    X(Equal, TryEqual, Equal)           \
-    X(NotEqual, TryNotEqual, NotEqual)     \
-    X(Less, TryLess, Less)             \
+#define QEL_RELATIONS(X)                           \
+    X(Equal, TryEqual, Equal)                      \
+    X(NotEqual, TryNotEqual, NotEqual)             \
+    X(Less, TryLess, Less)                         \
     X(GreaterEqual, TryGreaterEqual, GreaterEqual) \
-    X(Greater, TryGreater, Greater)       \
-    X(LessEqual, TryLessEqual, LessEqual)   \
-    X(BitOr, TryBitOr, BitOr)           \
-    X(BitAnd, TryBitAnd, BitAnd)         \
-    X(Or, TryOr, Or)                 \
-    X(And, TryAnd, And)
-#define QEL_RELATIONS(X)             \
-    X(Equal, TryEqual, Equal)               \
-    X(NotEqual, TryNotEqual, NotEqual)         \
-    X(Less, TryLess, Less)                 \
-    X(GreaterEqual, TryGreaterEqual, GreaterEqual) \
-    X(Greater, TryGreater, Greater)           \
+    X(Greater, TryGreater, Greater)                \
     X(LessEqual, TryLessEqual, LessEqual)
+#define QEL_BINARY_OPERATIONS(X)        \
+    X(Plus, TryAdd, Add)                \
+    X(Minus, TrySubtract, Subtract)     \
+    X(Times, TryMultiply, Multiply)     \
+    X(Divide, TryCheckedDivide, Divide) \
+    QEL_RELATIONS(X)                    \
+    X(BitOr, TryBitOr, BitOr)           \
+    X(BitAnd, TryBitAnd, BitAnd)        \
+    X(Or, TryOr, Or)                    \
+    X(And, TryAnd, And)
 
 // What the dispatch loop runs: each instruction decoded once per run into a
 // step, with every OPR sub-operation and the common operand forms as a step

@@ -188,6 +188,8 @@ private:
     // Short texts are copied, not shared; false: no room to be had.
     static constexpr int shortText = 64;
     bool CopyShort(const CString& other) noexcept;
+    // Puts `text` into the buffer this string holds alone, if it fits.
+    bool RefillOwnBuffer(std::string_view text) noexcept;
 
     mutable qelkern::TextBuffer* buffer = nullptr;  // null: the empty text
     int length = 0;

@@ -170,15 +170,8 @@ TEST(FusedSteps, DoWhatThePlainStepsDo) {
     for (unsigned seed = 1; seed <= 1000; ++seed) {
         const Outcome plain = RunMade(seed, false);
         const Outcome fused = RunMade(seed, true);
-        ASSERT_EQ(fused.messages, plain.messages) << "seed " << seed;
-        ASSERT_EQ(fused.p, plain.p) << "seed " << seed;
-        ASSERT_EQ(fused.b, plain.b) << "seed " << seed;
-        ASSERT_EQ(fused.t, plain.t) << "seed " << seed;
-        ASSERT_EQ(fused.failed, plain.failed) << "seed " << seed;
-        ASSERT_EQ(fused.steps, plain.steps) << "seed " << seed;
-        ASSERT_EQ(fused.cells.size(), plain.cells.size()) << "seed " << seed;
-        for (size_t i = 0; i < plain.cells.size(); ++i)
-            ASSERT_EQ(fused.cells[i], plain.cells[i]) << "seed " << seed << " cell " << i;
+        ExpectSame(fused, plain, seed);
+        if (HasFatalFailure()) return;
         const bool budgetEnded = plain.messages == Texts{"Skript abgebrochen: Schrittgrenze erreicht."};
         stopped += budgetEnded;
         failed += plain.failed;
