@@ -81,27 +81,11 @@ CString& CString::operator=(CString&& other) noexcept {
     return *this;
 }
 
-// A buffer far too big is not kept for a short text. `text` may lie in the
-// buffer itself.
-bool CString::RefillOwnBuffer(std::string_view text) noexcept {
-    if (!buffer || buffer->references.load(std::memory_order_acquire) != 1 ||
-        text.size() > static_cast<size_t>(buffer->capacity) ||
-        static_cast<size_t>(buffer->capacity) > 2 * text.size() + 64)
-        return false;
-    char* chars = buffer->Chars();
-    std::memmove(chars, text.data(), text.size());
-    chars[text.size()] = 0;
-    buffer->tip.store(static_cast<unsigned>(text.size()), std::memory_order_relaxed);
-    length = static_cast<int>(text.size());
-    return true;
-}
-
 // The machine moves short texts from cell to cell all the time. Shared, each
 // move costs two atomic counts; copied into a buffer the string holds alone,
 // it costs a few stores, and after the first copy the buffer is there.
 bool CString::CopyShort(const CString& other) noexcept {
     const std::string_view text = other.view();
-    if (RefillOwnBuffer(text)) return true;
     // Sharing needs no memory: near a budget's limit, or without memory, it
     // is the answer, and the budget must not count that as exceeded.
     const int capacity = std::max(static_cast<int>(text.size()), 32);

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -85,7 +86,9 @@ public:
     CString& operator=(const CString& other) noexcept {
         // Cells of the machine are loaded again and again with the same text.
         if (buffer != other.buffer) {
-            if (other.length <= shortText && other.buffer && CopyShort(other)) return *this;
+            if (other.length <= shortText && other.buffer &&
+                (RefillOwnBuffer(other.view()) || CopyShort(other)))
+                return *this;
             if (other.buffer) other.buffer->references.fetch_add(1, std::memory_order_relaxed);
             qelkern::TextBuffer* old = buffer;
             buffer = other.buffer;
@@ -188,8 +191,21 @@ private:
     // Short texts are copied, not shared; false: no room to be had.
     static constexpr int shortText = 64;
     bool CopyShort(const CString& other) noexcept;
-    // Puts `text` into the buffer this string holds alone, if it fits.
-    bool RefillOwnBuffer(std::string_view text) noexcept;
+    // Puts `text` into the buffer this string holds alone, if it fits; inline,
+    // since the machine does this for nearly every move of a text. `text`
+    // may lie in the buffer itself.
+    bool RefillOwnBuffer(std::string_view text) noexcept {
+        if (!buffer || buffer->references.load(std::memory_order_acquire) != 1) return false;
+        const int size = static_cast<int>(text.size());
+        // A buffer far too big for the text is not kept.
+        if (size > buffer->capacity || buffer->capacity > 2 * size + 64) return false;
+        char* chars = buffer->Chars();
+        std::memmove(chars, text.data(), text.size());
+        chars[size] = 0;
+        buffer->tip.store(static_cast<unsigned>(size), std::memory_order_relaxed);
+        length = size;
+        return true;
+    }
 
     mutable qelkern::TextBuffer* buffer = nullptr;  // null: the empty text
     int length = 0;
