@@ -177,6 +177,127 @@ inline bool TryAppend(VALUE& left, const VALUE& right) {
     return true;
 }
 
+// The binary operations on two integers or two doubles, for the fused steps
+// that push both operands: what each leaves in the left cell, whose tag the
+// caller has set to the operands' one. A relation puts its integer over the
+// double that the left cell held, as the plain steps leave it.
+template <class IntegerForm, class DoubleForm>
+struct ArithmeticPair {
+    static constexpr bool known = true;
+    static bool Takes(int) { return true; }
+    static bool Takes(double) { return true; }
+    static void Integers(VALUE& left, int a, int b) { left.intValue = IntegerForm()(a, b); }
+    static void Doubles(VALUE& left, double a, double b) { left.doubleValue = DoubleForm()(a, b); }
+};
+template <class Relation>
+struct RelationPair {
+    static constexpr bool known = true;
+    static bool Takes(int) { return true; }
+    static bool Takes(double) { return true; }
+    static void Integers(VALUE& left, int a, int b) { left.intValue = Relation()(a, b) ? 1 : 0; }
+    static void Doubles(VALUE& left, double a, double b) {
+        left.doubleValue = a;
+        left.type = tagInteger;
+        left.intValue = Relation()(a, b) ? 1 : 0;
+    }
+};
+struct WrappingPlus { int operator()(int a, int b) const { return WrapAdd(a, b); } };
+struct WrappingMinus { int operator()(int a, int b) const { return WrapSub(a, b); } };
+struct WrappingTimes { int operator()(int a, int b) const { return WrapMul(a, b); } };
+struct IntegerQuotient { int operator()(int a, int b) const { return SafeDiv(a, b); } };
+// Equal within the tolerance of the = operator; integers only when equal.
+struct Near {
+    bool operator()(int a, int b) const { return a == b; }
+    bool operator()(double a, double b) const { return std::fabs(a - b) <= 0.00001; }
+};
+struct NotNear {
+    template <class Number>
+    bool operator()(Number a, Number b) const { return !Near()(a, b); }
+};
+using PlusPair = ArithmeticPair<WrappingPlus, std::plus<>>;
+using MinusPair = ArithmeticPair<WrappingMinus, std::minus<>>;
+using TimesPair = ArithmeticPair<WrappingTimes, std::multiplies<>>;
+// A zero divisor is left to the plain step's report.
+struct DividePair : ArithmeticPair<IntegerQuotient, std::divides<>> {
+    static bool Takes(int divisor) { return divisor != 0; }
+    static bool Takes(double divisor) { return std::fabs(divisor) > 0.00001; }
+};
+using EqualPair = RelationPair<Near>;
+using NotEqualPair = RelationPair<NotNear>;
+using LessPair = RelationPair<std::less<>>;
+using GreaterEqualPair = RelationPair<std::greater_equal<>>;
+using GreaterPair = RelationPair<std::greater<>>;
+using LessEqualPair = RelationPair<std::less_equal<>>;
+// The logical and bit operations keep to their Try forms.
+struct NoPair {
+    static constexpr bool known = false;
+};
+using BitOrPair = NoPair;
+using BitAndPair = NoPair;
+using OrPair = NoPair;
+using AndPair = NoPair;
+
+// c = first; c[1] = second; c = c op c[1], for two integers or two doubles
+// and cells above that hold no text. False, with nothing changed, for
+// anything else. A second operand in c itself would be the first by then.
+template <class Pair>
+inline bool TryPushPair(VALUE* c, const VALUE& first, const VALUE& second) {
+    if constexpr (!Pair::known) return false;
+    else {
+        const int tag = first.type;
+        if (tag != second.type || c->type == tagString || c[1].type == tagString || &second == c)
+            return false;
+        if (tag == tagInteger) {
+            const int a = first.intValue, b = second.intValue;
+            if (!Pair::Takes(b)) return false;
+            c[1].type = tagInteger;
+            c[1].intValue = b;
+            c->type = tagInteger;
+            c->intValue = a;
+            Pair::Integers(*c, a, b);
+            return true;
+        }
+        if (tag == tagDouble) {
+            const double a = first.doubleValue, b = second.doubleValue;
+            if (!Pair::Takes(b)) return false;
+            c[1].type = tagDouble;
+            c[1].doubleValue = b;
+            c->type = tagDouble;
+            Pair::Doubles(*c, a, b);
+            return true;
+        }
+        return false;
+    }
+}
+
+// The same with the left operand in place below: c = operand; c[-1] op= c.
+template <class Pair>
+inline bool TryPushOne(VALUE* c, const VALUE& operand) {
+    if constexpr (!Pair::known) return false;
+    else {
+        VALUE& left = c[-1];
+        const int tag = left.type;
+        if (tag != operand.type || c->type == tagString) return false;
+        if (tag == tagInteger) {
+            const int a = left.intValue, b = operand.intValue;
+            if (!Pair::Takes(b)) return false;
+            c->type = tagInteger;
+            c->intValue = b;
+            Pair::Integers(left, a, b);
+            return true;
+        }
+        if (tag == tagDouble) {
+            const double a = left.doubleValue, b = operand.doubleValue;
+            if (!Pair::Takes(b)) return false;
+            c->type = tagDouble;
+            c->doubleValue = b;
+            Pair::Doubles(left, a, b);
+            return true;
+        }
+        return false;
+    }
+}
+
 inline void Add(VALUE& left, const VALUE& right) {
     if (!TryAdd(left, right) && !TryAppend(left, right)) left = left + right;
 }

@@ -145,31 +145,36 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     // between, as the plain steps do.
     // A first operand that the numbers' path does not take: the three
     // instructions out of line.
-#define QEL_PUSH_TWO(operation, general, first, second, present)                          \
-    VALUE* const c = r.top + 1;                                                           \
-    if (!(present) || c + 1 > limit) QEL_DECLINE();                                       \
-    if (!TryAssign(*c, *(first))) {                                          \
-        if constexpr (!reportsNothing<general>) QEL_DECLINE();                            \
-        QEL_FUSED_OUT_OF_LINE(PushTwoAndOperate<general>(registers, *(first), *(second))); \
-    }                                                                                     \
-    if (!TryAssign(c[1], *(second))) QEL_LEAVE_AT(1, c);                                  \
-    if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
-#define QEL_LOAD_LIT(operation, general) \
+    // Two operands of one number tag take the shortest way (TryPushPair).
+#define QEL_PUSH_TWO(pair, operation, general, first, second, present)                         \
+    VALUE* const c = r.top + 1;                                                                \
+    if (!(present) || c + 1 > limit) QEL_DECLINE();                                            \
+    if (!TryPushPair<pair>(c, *(first), *(second))) {                                          \
+        if (!TryAssign(*c, *(first))) {                                                        \
+            if constexpr (!reportsNothing<general>) QEL_DECLINE();                             \
+            QEL_FUSED_OUT_OF_LINE(PushTwoAndOperate<general>(registers, *(first), *(second))); \
+        }                                                                                      \
+        if (!TryAssign(c[1], *(second))) QEL_LEAVE_AT(1, c);                                   \
+        if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1);                                      \
+    }
+#define QEL_LOAD_LIT(pair, operation, general)    \
     VALUE* const variable = LocalAt(step->first); \
-    QEL_PUSH_TWO(operation, general, variable, step->fusedLiteral, variable)
-#define QEL_LOAD_LOAD(operation, general)           \
-    VALUE* const variable = LocalAt(step->first);   \
-    VALUE* const second = LocalAt(step->second);    \
-    QEL_PUSH_TWO(operation, general, variable, second, variable && second)
+    QEL_PUSH_TWO(pair, operation, general, variable, step->fusedLiteral, variable)
+#define QEL_LOAD_LOAD(pair, operation, general)   \
+    VALUE* const variable = LocalAt(step->first); \
+    VALUE* const second = LocalAt(step->second);  \
+    QEL_PUSH_TWO(pair, operation, general, variable, second, variable && second)
     // PUSH; OPR.
-#define QEL_PUSH_ONE(operation, general, operand, present)                            \
-    VALUE* const c = r.top + 1;                                                       \
-    if (!(present) || c > limit) QEL_DECLINE();                                       \
-    if (!TryAssign(*c, *(operand))) {                                    \
-        if constexpr (!reportsNothing<general>) QEL_DECLINE();                        \
-        QEL_FUSED_OUT_OF_LINE(PushAndOperate<general>(registers, *(operand)));        \
-    }                                                                                 \
-    if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c)
+#define QEL_PUSH_ONE(pair, operation, general, operand, present)                         \
+    VALUE* const c = r.top + 1;                                                          \
+    if (!(present) || c > limit) QEL_DECLINE();                                          \
+    if (!TryPushOne<pair>(c, *(operand))) {                                              \
+        if (!TryAssign(*c, *(operand))) {                                                \
+            if constexpr (!reportsNothing<general>) QEL_DECLINE();                       \
+            QEL_FUSED_OUT_OF_LINE(PushAndOperate<general>(registers, *(operand)));       \
+        }                                                                                \
+        if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                                  \
+    }
 #define QEL_JUMP_IF_ZERO(condition)            \
     if ((condition)->intValue == 0) {          \
         QEL_TAKE_JUMP(step->target);      \
@@ -390,19 +395,19 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             op_Nothing: QEL_NEXT();
 #define QEL_FUSED_BINARY(name, operation, general)                                        \
             op_LoadLit##name: {                                            \
-                QEL_LOAD_LIT(operation, general);                                         \
+                QEL_LOAD_LIT(name##Pair, operation, general);                                         \
                 r.top = c;                                                       \
                 r.next += 3;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
             op_LoadLoad##name: {                                           \
-                QEL_LOAD_LOAD(operation, general);                                        \
+                QEL_LOAD_LOAD(name##Pair, operation, general);                                        \
                 r.top = c;                                                       \
                 r.next += 3;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
             op_LoadLit##name##Store: {                                     \
-                QEL_LOAD_LIT(operation, general);                                         \
+                QEL_LOAD_LIT(name##Pair, operation, general);                                         \
                 VALUE* const target = LocalAt(step->store);                         \
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
                 r.next += 4;                                                     \
@@ -410,26 +415,26 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             }                                                                    \
             op_Load##name: {                                                     \
                 VALUE* const variable = LocalAt(step->first);                    \
-                QEL_PUSH_ONE(operation, general, variable, variable);                      \
+                QEL_PUSH_ONE(name##Pair, operation, general, variable, variable);                      \
                 r.next += 2;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_LitLoad##name: {                                                  \
                 VALUE* const variable = LocalAt(step->store);                    \
-                QEL_PUSH_TWO(operation, general, step->fusedLiteral, variable, variable); \
+                QEL_PUSH_TWO(name##Pair, operation, general, step->fusedLiteral, variable, variable); \
                 r.top = c;                                                       \
                 r.next += 3;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_LoadLoad##name##Store: {                                          \
-                QEL_LOAD_LOAD(operation, general);                                        \
+                QEL_LOAD_LOAD(name##Pair, operation, general);                                        \
                 VALUE* const target = LocalAt(step->store);                        \
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
                 r.next += 4;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_Lit##name: {                                                \
-                QEL_PUSH_ONE(operation, general, step->fusedLiteral, true);            \
+                QEL_PUSH_ONE(name##Pair, operation, general, step->fusedLiteral, true);            \
                 r.next += 2;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
@@ -448,11 +453,11 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             // The relation leaves an integer, which JPC takes without a test.
 #define QEL_FUSED_RELATION(name, operation, general)                                      \
             op_LoadLit##name##Jump: {                                      \
-                QEL_LOAD_LIT(operation, general);                                         \
+                QEL_LOAD_LIT(name##Pair, operation, general);                                         \
                 QEL_JUMP_IF_ZERO(c);                                             \
             }                                                                    \
             op_LoadLoad##name##Jump: {                                     \
-                QEL_LOAD_LOAD(operation, general);                                        \
+                QEL_LOAD_LOAD(name##Pair, operation, general);                                        \
                 QEL_JUMP_IF_ZERO(c);                                             \
             } \
             op_##name##Jump: {                                                   \
@@ -468,7 +473,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_Lit##name##Jump: {                                                \
-                QEL_PUSH_ONE(operation, general, step->fusedLiteral, true);            \
+                QEL_PUSH_ONE(name##Pair, operation, general, step->fusedLiteral, true);            \
                 VALUE* const condition = r.top;                                  \
                 if (condition == s) QEL_LEAVE_AT(2, condition);                  \
                 r.top = condition - 1;                                           \

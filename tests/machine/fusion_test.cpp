@@ -35,6 +35,9 @@ public:
         // Now and then the frame reaches close to the end of the first stack.
         const int frame = Pick(0, 3) == 0 ? Pick(9975, 9995) : arrayAt + 1 + arraySize;
         pb.Begin(frame - 3).Lit(arraySize).Ins(STO, 0, arrayAt);
+        // Integers and doubles side by side, for pairs of one tag and mixed ones.
+        for (int v = 3; v < 3 + variables; ++v)
+            if (Pick(0, 1)) pb.Lit(Double(Pick(-3, 3) * 0.75)).Ins(STO, 0, v);
         for (int i = 0; i < pieces; ++i) Piece();
         // Not RET: the links may hold texts by now, whose pointers differ.
         pb.Ins(JMP, 0, 0);
@@ -52,7 +55,8 @@ private:
     VALUE Literal() {
         VALUE v;
         switch (Pick(0, 9)) {
-            case 0: v = Pick(-2, 2) * 0.5; break;
+            case 0:
+            case 3: v = Pick(0, 2) == 0 ? 0.000004 : Pick(-2, 2) * 0.5; break;
             case 1:
                 if (texts) v.SetString(Pick(0, 2) == 0 ? "0" : Pick(0, 1) ? "7x" : "");
                 break;
@@ -112,11 +116,12 @@ struct Outcome {
 
 // Unwatched, no control is attached, and the steps go uncounted. Without
 // the fast loop every step is a general one.
-Outcome RunMade(unsigned seed, bool fused, bool watched = true, bool fast = true) {
+template <class Maker>
+Outcome RunBuilt(Maker make, bool fused, bool watched = true, bool fast = true) {
     ProgramBuilder pb;
     CRunControl control;
     control.maxSteps = 4000;  // loops end here, at the same jump either way
-    const int frame = ProgramMaker(pb, seed).Make(40);
+    const int frame = make(pb);
     pb.machine.control = watched ? &control : nullptr;
     qelkern::fuseSteps = fused;
     qelkern::fastLoop = fast;
@@ -133,11 +138,15 @@ Outcome RunMade(unsigned seed, bool fused, bool watched = true, bool fast = true
     for (int i : reached) {
         const VALUE& cell = pb.Cell(i);
         std::string payload = cell.type == 57 ? cell.GetStringPtr()->str()
-                                              : std::string(reinterpret_cast<const char*>(&cell.doubleValue),
-                                                            cell.type == 41 ? 8 : 4);
+                                              : std::string(reinterpret_cast<const char*>(&cell.doubleValue), 8);
         outcome.cells.emplace_back(cell.type, payload);
     }
     return outcome;
+}
+
+Outcome RunMade(unsigned seed, bool fused, bool watched = true, bool fast = true) {
+    return RunBuilt([seed](ProgramBuilder& pb) { return ProgramMaker(pb, seed).Make(40); }, fused,
+                    watched, fast);
 }
 
 }  // namespace
@@ -191,4 +200,62 @@ TEST(FusedSteps, DoWhatThePlainStepsDo) {
     EXPECT_GT(stopped, 100);
     EXPECT_GT(failed - stopped, 100);
     EXPECT_GT(looped, 10);
+}
+
+// Every fused form of every binary operation on integers, doubles and both
+// mixed, with divisors at and near 0, over stale texts and numbers above t.
+// INT 0, 0 in between keeps a sequence from fusing with what is before it.
+TEST(FusedSteps, TakeEachPairOfNumberTagsAsThePlainStepsDo) {
+    const VALUE operands[] = {Int(6), Int(0), Double(1.5), Double(0.000004), Double(-0.5)};
+    using Form = void (*)(ProgramBuilder&, const VALUE&, Operation);
+    const Form forms[] = {
+        [](ProgramBuilder& pb, const VALUE& second, Operation o) { pb.Ins(LOD, 0, 3).Lit(second).Op(o); },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) { pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Op(o); },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Op(o).Ins(STO, 0, 5);
+        },
+        [](ProgramBuilder& pb, const VALUE& second, Operation o) {
+            pb.Ins(LOD, 0, 3).Lit(second).Op(o).Ins(STO, 0, 5);
+        },
+        [](ProgramBuilder& pb, const VALUE& second, Operation o) {
+            pb.Ins(LOD, 0, 3).Lit(second).Op(o).Ins(JPC, 0, pb.gen.Label() + 2).Lit(7);
+        },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Op(o).Ins(JPC, 0, pb.gen.Label() + 2).Lit(7);
+        },
+        [](ProgramBuilder& pb, const VALUE& second, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(INT, 0, 0).Lit(second).Op(o);
+        },
+        [](ProgramBuilder& pb, const VALUE& second, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(INT, 0, 0).Lit(second).Op(o).Ins(JPC, 0, pb.gen.Label() + 2).Lit(7);
+        },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(INT, 0, 0).Ins(LOD, 0, 4).Op(o);
+        },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Ins(INT, 0, 0).Op(o).Ins(STO, 0, 5);
+        },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Ins(INT, 0, 0).Op(o).Ins(JPC, 0, pb.gen.Label() + 2).Lit(7);
+        },
+    };
+    const Operation numbers[] = {oprPlus, oprMinus, oprTimes, oprDivide, oprEqual, oprNotEqual,
+                                 oprLess, oprGreaterEqual, oprGreater, oprLessEqual};
+    int programs = 0;
+    for (const Operation o : numbers)
+        for (const VALUE& first : operands)
+            for (const VALUE& second : operands)
+                for (const Form form : forms) {
+                    const bool staleText = ++programs % 2 == 0;
+                    auto make = [&](ProgramBuilder& pb) {
+                        pb.Begin(4).Lit(first).Ins(STO, 0, 3).Lit(second).Ins(STO, 0, 4);
+                        pb.Lit(staleText ? Text("alt") : Double(2.25)).Lit(Double(-7.5));
+                        pb.Ins(INT, 0, -2);
+                        form(pb, second, o);
+                        pb.Ins(JMP, 0, 0);
+                        return 7;
+                    };
+                    ExpectSame(RunBuilt(make, true), RunBuilt(make, false), programs);
+                    if (HasFatalFailure()) return;
+                }
 }
