@@ -107,6 +107,15 @@ bool IsLit(const Step& step) {
     return step.plain == Op::LitInt || step.plain == Op::LitDouble || step.plain == Op::LitValue;
 }
 
+// JMP back to the test of a counting loop on the variable that `step` counts:
+// the head, fused before, compares it with an integer literal.
+bool ClosesCountingLoop(const Step& step, const Step& jump, bool up) {
+    if (jump.plain != Op::JumpBack) return false;
+    const Step& head = *jump.to;
+    return head.op == (up ? Op::LoadLitLessEqualJump : Op::LoadLitGreaterEqualJump) &&
+           head.first == step.first && head.fusedLiteral->type == tagInteger;
+}
+
 // The fused form of the sequence from `at`, longest first; false: none.
 bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int at) {
     auto plain = [&](int k) -> const Step* {
@@ -143,7 +152,11 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         }
         if ((s1->plain == Op::Increment || s1->plain == Op::Decrement) && IsLocalStore(*s2) &&
             s2->a == step.a) {
-            step.op = s1->plain == Op::Increment ? Op::IncrementVariable : Op::DecrementVariable;
+            const bool up = s1->plain == Op::Increment;
+            step.op = up ? Op::IncrementVariable : Op::DecrementVariable;
+            if (s3 && ClosesCountingLoop(step, *s3, up)) {
+                step.op = up ? Op::CountUp : Op::CountDown;
+            }
             return true;
         }
         if (IsLit(*s1) && binary) {

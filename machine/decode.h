@@ -132,6 +132,11 @@ enum class Op : uint8_t {
     LoadPair,           // LOD a; LOD second
     LoadLitPair,        // LOD a; LIT literal
     LoadStore,          // LOD a; STO store
+    // The end of a counting loop: LOD a; OPR ++ (--); STO a; JMP head, where
+    // head is LoadLitLessEqualJump (LoadLitGreaterEqualJump) on the same
+    // variable and an integer bound.
+    CountUp,
+    CountDown,
     Count
 };
 

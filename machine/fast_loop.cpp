@@ -228,6 +228,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
 #undef QEL_HANDLERS
         &&op_IncrementVariable, &&op_DecrementVariable, &&op_LitStore, &&op_LoadElement,
         &&op_LoadLitStoreElement, &&op_LoadPair, &&op_LoadLitPair, &&op_LoadStore,
+        &&op_CountUp, &&op_CountDown,
     };
     static_assert(sizeof handlers / sizeof handlers[0] == static_cast<size_t>(Op::Count));
     if (decoded) {
@@ -494,6 +495,37 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 if (!TryStep(*c, step->op == Op::IncrementVariable ? 1 : -1)) QEL_LEAVE_AT(1, c);
                 if (!TryAssign(*variable, *c)) QEL_LEAVE_AT(2, c);
                 r.next += 3;
+                QEL_DISPATCH();
+            }
+            // The counter of a loop one up (down), its test against the
+            // bound at the head of the loop, and on into the body or out.
+            op_CountUp:
+            op_CountDown: {
+                VALUE* const variable = LocalAt(step->first);
+                VALUE* const c = r.top + 1;
+                if (!variable || c + 1 > limit || variable->type != tagInteger ||
+                    c->type == tagString || c[1].type == tagString)
+                    QEL_DECLINE();
+                const bool up = step->op == Op::CountUp;
+                const int counter = WrapAdd(variable->intValue, up ? 1 : -1);
+                c->type = tagInteger;
+                c->intValue = counter;
+                variable->intValue = counter;
+                r.next += 3;
+                step = r.next;  // the JMP
+                QEL_CHECKPOINT();
+                QEL_TAKE_JUMP(step->to);
+                step = r.next;  // the head
+                const int bound = step->fusedLiteral->intValue;
+                c[1].type = tagInteger;
+                c[1].intValue = bound;
+                const bool inside = up ? counter <= bound : counter >= bound;
+                c->intValue = inside ? 1 : 0;
+                if (!inside) {
+                    QEL_TAKE_JUMP(step->target);
+                    QEL_DISPATCH();
+                }
+                r.next += 4;
                 QEL_DISPATCH();
             }
             op_LitStore: {

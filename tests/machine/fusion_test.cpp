@@ -70,7 +70,7 @@ private:
     void Store() { pb.Ins(STO, 0, Variable()); }
 
     void Piece() {
-        switch (Pick(0, 21)) {
+        switch (Pick(0, 22)) {
             case 0: Load(); pb.Lit(Literal()).Op(Binary()); break;
             case 1: Load(); Load(); pb.Op(Binary()); break;
             case 2: Load(); pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 2 + Pick(1, 4)); break;
@@ -96,8 +96,24 @@ private:
             case 18: pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 3 + Pick(1, 4)); break;
             case 19: pb.Lit(Literal()); Load(); pb.Op(Binary()); break;
             case 20: Load(); Store(); break;
+            case 21: CountingLoop(); break;
             default: pb.Ins(INT, 0, Pick(-3, 3)); break;
         }
+    }
+
+    // FOR v := ... TO (DOWNTO) bound DO body END, the counter mostly an
+    // integer, the bound a literal of any tag; now and then the head tests
+    // another variable or runs the other way than the counter.
+    void CountingLoop() {
+        const intptr_t v = Variable();
+        const bool up = Pick(0, 1);
+        const int head = Here();
+        pb.Ins(LOD, 0, Pick(0, 7) ? v : Variable());
+        pb.Lit(Pick(0, 3) ? Int(Pick(-2, 12)) : Literal());
+        pb.Op(up == (Pick(0, 7) > 0) ? oprLessEqual : oprGreaterEqual).Ins(JPC, 0, head + 10);
+        if (Pick(0, 1)) Load(); else pb.Lit(Literal());
+        Store();
+        pb.Ins(LOD, 0, v).Op(up ? oprIncrement : oprDecrement).Ins(STO, 0, v).Ins(JMP, 0, head);
     }
 
     ProgramBuilder& pb;
