@@ -186,8 +186,10 @@ struct ArithmeticPair {
     static constexpr bool known = true;
     static bool Takes(int) { return true; }
     static bool Takes(double) { return true; }
-    static void Integers(VALUE& left, int a, int b) { left.intValue = IntegerForm()(a, b); }
-    static void Doubles(VALUE& left, double a, double b) { left.doubleValue = DoubleForm()(a, b); }
+    static int Of(int a, int b) { return IntegerForm()(a, b); }
+    static double Of(double a, double b) { return DoubleForm()(a, b); }
+    static void Integers(VALUE& left, int a, int b) { left.intValue = Of(a, b); }
+    static void Doubles(VALUE& left, double a, double b) { left.doubleValue = Of(a, b); }
 };
 template <class Relation>
 struct RelationPair {
@@ -268,6 +270,34 @@ inline bool TryPushPair(VALUE* c, const VALUE& first, const VALUE& second) {
         }
         return false;
     }
+}
+
+// OPR first; OPR then; STO target on three cells of one number tag at the
+// top, the divisors not 0: the same cells, and the result in the target.
+// False, with nothing changed, for anything else.
+template <class First, class Then, class Number>
+inline bool TryTwo(const VALUE& c, Number VALUE::*member, VALUE& a, VALUE& b, VALUE& target) {
+    if (!First::Takes(c.*member)) return false;
+    const Number inner = First::Of(b.*member, c.*member);
+    if (!Then::Takes(inner)) return false;
+    const Number result = Then::Of(a.*member, inner);
+    b.*member = inner;
+    a.*member = result;
+    target.type = c.type;
+    target.*member = result;
+    return true;
+}
+
+template <class First, class Then>
+inline bool TryTwoAndStore(VALUE* top, VALUE& target) {
+    VALUE& a = top[-2];
+    VALUE& b = top[-1];
+    const VALUE& c = top[0];
+    const int tag = c.type;
+    if (a.type != tag || b.type != tag || target.type == tagString) return false;
+    if (tag == tagInteger) return TryTwo<First, Then, int>(c, &VALUE::intValue, a, b, target);
+    if (tag == tagDouble) return TryTwo<First, Then, double>(c, &VALUE::doubleValue, a, b, target);
+    return false;
 }
 
 // The same with the left operand in place below: c = operand; c[-1] op= c.

@@ -107,6 +107,23 @@ bool IsLit(const Step& step) {
     return step.plain == Op::LitInt || step.plain == Op::LitDouble || step.plain == Op::LitValue;
 }
 
+constexpr Op arithmetic[] = {Op::Plus, Op::Minus, Op::Times, Op::Divide};
+constexpr Op arithmeticPairs[] = {
+#define QEL_PAIR(first, then) Op::first##then##Store,
+    QEL_ARITHMETIC_PAIRS(QEL_PAIR)
+#undef QEL_PAIR
+};
+
+int ArithmeticIndex(const Step& step) {
+    for (int i = 0; i < 4; ++i)
+        if (arithmetic[i] == step.plain) return i;
+    return -1;
+}
+bool IsArithmetic(const Step& step) { return ArithmeticIndex(step) >= 0; }
+Op ArithmeticPairOf(const Step& first, const Step& then) {
+    return arithmeticPairs[ArithmeticIndex(first) * 4 + ArithmeticIndex(then)];
+}
+
 // JMP back to the test of a counting loop on the variable that `step` counts:
 // the head, fused before, compares it with an integer literal.
 bool ClosesCountingLoop(const Step& step, const Step& jump, bool up) {
@@ -223,6 +240,11 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         step.op = Op::LitStore;
         step.fusedLiteral = literal(0);
         step.store = CountInBytes(s1->a);
+        return true;
+    }
+    if (IsArithmetic(step) && s2 && IsArithmetic(*s1) && IsLocalStore(*s2)) {
+        step.op = ArithmeticPairOf(step, *s1);
+        step.store = CountInBytes(s2->a);
         return true;
     }
     if (BinaryOf(step) && IsLocalStore(*s1)) {

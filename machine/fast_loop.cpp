@@ -228,6 +228,9 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
 #undef QEL_HANDLERS
         &&op_IncrementVariable, &&op_DecrementVariable, &&op_LitStore, &&op_LoadElement,
         &&op_LoadLitStoreElement, &&op_LoadPair, &&op_LoadLitPair, &&op_LoadStore,
+#define QEL_HANDLERS(first, then) &&op_##first##then##Store,
+        QEL_ARITHMETIC_PAIRS(QEL_HANDLERS)
+#undef QEL_HANDLERS
         &&op_CountUp, &&op_CountDown,
     };
     static_assert(sizeof handlers / sizeof handlers[0] == static_cast<size_t>(Op::Count));
@@ -497,6 +500,18 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 r.next += 3;
                 QEL_DISPATCH();
             }
+#define QEL_FUSED_ARITHMETIC_PAIR(first, then)                                                \
+            op_##first##then##Store: {                                                        \
+                VALUE* const target = LocalAt(step->store);                                   \
+                if (!target || r.top - s < 3 ||                                               \
+                    !TryTwoAndStore<first##Pair, then##Pair>(r.top, *target))                 \
+                    QEL_DECLINE();                                                            \
+                r.top -= 3;                                                                   \
+                r.next += 3;                                                                  \
+                QEL_DISPATCH();                                                               \
+            }
+            QEL_ARITHMETIC_PAIRS(QEL_FUSED_ARITHMETIC_PAIR)
+#undef QEL_FUSED_ARITHMETIC_PAIR
             // The counter of a loop one up (down), its test against the
             // bound at the head of the loop, and on into the body or out.
             op_CountUp:

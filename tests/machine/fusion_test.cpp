@@ -70,7 +70,7 @@ private:
     void Store() { pb.Ins(STO, 0, Variable()); }
 
     void Piece() {
-        switch (Pick(0, 22)) {
+        switch (Pick(0, 23)) {
             case 0: Load(); pb.Lit(Literal()).Op(Binary()); break;
             case 1: Load(); Load(); pb.Op(Binary()); break;
             case 2: Load(); pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 2 + Pick(1, 4)); break;
@@ -97,6 +97,13 @@ private:
             case 19: pb.Lit(Literal()); Load(); pb.Op(Binary()); break;
             case 20: Load(); Store(); break;
             case 21: CountingLoop(); break;
+            case 22:  // two operations and a store, not fused with the loads before
+                Load();
+                Load();
+                if (Pick(0, 1)) Load(); else pb.Lit(Literal());
+                pb.Ins(INT, 0, 0).Op(Binary()).Op(Binary());
+                Store();
+                break;
             default: pb.Ins(INT, 0, Pick(-3, 3)); break;
         }
     }
@@ -218,11 +225,15 @@ TEST(FusedSteps, DoWhatThePlainStepsDo) {
     EXPECT_GT(looped, 10);
 }
 
-// Every fused form of every binary operation on integers, doubles and both
-// mixed, with divisors at and near 0, over stale texts and numbers above t.
+// Every fused form of every binary operation, and two arithmetic ones with a
+// store, on integers, doubles and both mixed, with divisors at and near 0,
+// over stale texts and numbers above t.
 // INT 0, 0 in between keeps a sequence from fusing with what is before it.
 TEST(FusedSteps, TakeEachPairOfNumberTagsAsThePlainStepsDo) {
     const VALUE operands[] = {Int(6), Int(0), Double(1.5), Double(0.000004), Double(-0.5)};
+    int programs = 0;
+    // The target: a variable of a text or a number, or a cell of the operands.
+    auto Pick = [](int n) -> intptr_t { return n % 3 == 0 ? 5 : n % 3 == 1 ? 7 : 8; };
     using Form = void (*)(ProgramBuilder&, const VALUE&, Operation);
     const Form forms[] = {
         [](ProgramBuilder& pb, const VALUE& second, Operation o) { pb.Ins(LOD, 0, 3).Lit(second).Op(o); },
@@ -255,9 +266,26 @@ TEST(FusedSteps, TakeEachPairOfNumberTagsAsThePlainStepsDo) {
             pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Ins(INT, 0, 0).Op(o).Ins(JPC, 0, pb.gen.Label() + 2).Lit(7);
         },
     };
+    const Operation arithmetic[] = {oprPlus, oprMinus, oprTimes, oprDivide};
+    for (const Operation first : arithmetic)
+        for (const Operation then : arithmetic)
+            for (const VALUE& a : operands)
+                for (const VALUE& b : operands)
+                    for (const VALUE& c : operands) {
+                        const bool staleText = ++programs % 2 == 0;
+                        auto make = [&](ProgramBuilder& pb) {
+                            pb.Begin(4).Lit(a).Ins(STO, 0, 3).Lit(b).Ins(STO, 0, 4);
+                            pb.Lit(staleText ? Text("alt") : Double(2.25)).Ins(STO, 0, 5);
+                            pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Lit(c).Ins(INT, 0, 0);
+                            pb.Op(first).Op(then).Ins(STO, 0, Pick(programs));
+                            pb.Ins(JMP, 0, 0);
+                            return 7;
+                        };
+                        ExpectSame(RunBuilt(make, true), RunBuilt(make, false), programs);
+                        if (HasFatalFailure()) return;
+                    }
     const Operation numbers[] = {oprPlus, oprMinus, oprTimes, oprDivide, oprEqual, oprNotEqual,
                                  oprLess, oprGreaterEqual, oprGreater, oprLessEqual};
-    int programs = 0;
     for (const Operation o : numbers)
         for (const VALUE& first : operands)
             for (const VALUE& second : operands)
