@@ -129,8 +129,10 @@ Op ArithmeticPairOf(const Step& first, const Step& then) {
 bool ClosesCountingLoop(const Step& step, const Step& jump, bool up) {
     if (jump.plain != Op::JumpBack) return false;
     const Step& head = *jump.to;
+    if (head.first != step.first) return false;
+    if (head.op == (up ? Op::LoadBoundLessEqualJump : Op::LoadBoundGreaterEqualJump)) return true;
     return head.op == (up ? Op::LoadLitLessEqualJump : Op::LoadLitGreaterEqualJump) &&
-           head.first == step.first && head.fusedLiteral->type == tagInteger;
+           head.fusedLiteral->type == tagInteger;
 }
 
 // The fused form of the sequence from `at`, longest first; false: none.
@@ -143,6 +145,18 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
     const Step *s1 = plain(1), *s2 = plain(2), *s3 = plain(3);
     auto literal = [&](int k) { return &code[at + k].value; };
     auto forwardJump = [&](const Step* jump) { return jump && jump->plain == Op::JumpIfZero; };
+    const Step *s4 = plain(4), *s5 = plain(5);
+    if (IsLocalLoad(step) && s4 && s1->plain == Op::LitInt && s2->plain == Op::LitInt &&
+        (s3->plain == Op::Plus || s3->plain == Op::Minus) &&
+        (s4->plain == Op::LessEqual || s4->plain == Op::GreaterEqual) && forwardJump(s5)) {
+        step.op = s4->plain == Op::LessEqual ? Op::LoadBoundLessEqualJump
+                                             : Op::LoadBoundGreaterEqualJump;
+        step.second = s3->plain == Op::Plus ? WrapAdd(s1->number, s2->number)
+                                            : WrapSub(s1->number, s2->number);
+        step.target = s5->to;
+        step.delta = s5->delta;
+        return true;
+    }
     if (IsLocalLoad(step) && s1 && s2) {
         const BinaryForms* binary = BinaryOf(*s2);
         const RelationForms* relation = RelationOf(*s2);
@@ -172,7 +186,11 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
             const bool up = s1->plain == Op::Increment;
             step.op = up ? Op::IncrementVariable : Op::DecrementVariable;
             if (s3 && ClosesCountingLoop(step, *s3, up)) {
-                step.op = up ? Op::CountUp : Op::CountDown;
+                const Op head = s3->to->op;
+                if (head == Op::LoadBoundLessEqualJump || head == Op::LoadBoundGreaterEqualJump)
+                    step.op = up ? Op::CountUpToBound : Op::CountDownToBound;
+                else
+                    step.op = up ? Op::CountUp : Op::CountDown;
             }
             return true;
         }

@@ -142,11 +142,18 @@ enum class Op : uint8_t {
 #define QEL_FUSED_ARITHMETIC_PAIR(first, then) first##then##Store,
     QEL_ARITHMETIC_PAIRS(QEL_FUSED_ARITHMETIC_PAIR)
 #undef QEL_FUSED_ARITHMETIC_PAIR
+    // The test at the head of a counting loop whose bound the compiler left
+    // as two integer literals: LOD a; LIT; LIT; OPR + (-); OPR <= (>=); JPC
+    // target. `second` is the bound worked out.
+    LoadBoundLessEqualJump,
+    LoadBoundGreaterEqualJump,
     // The end of a counting loop: LOD a; OPR ++ (--); STO a; JMP head, where
     // head is LoadLitLessEqualJump (LoadLitGreaterEqualJump) on the same
-    // variable and an integer bound.
+    // variable and an integer bound; ...ToBound: head is LoadBound....
     CountUp,
     CountDown,
+    CountUpToBound,
+    CountDownToBound,
     Count
 };
 

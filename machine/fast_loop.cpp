@@ -231,7 +231,8 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
 #define QEL_HANDLERS(first, then) &&op_##first##then##Store,
         QEL_ARITHMETIC_PAIRS(QEL_HANDLERS)
 #undef QEL_HANDLERS
-        &&op_CountUp, &&op_CountDown,
+        &&op_LoadBoundLessEqualJump, &&op_LoadBoundGreaterEqualJump,
+        &&op_CountUp, &&op_CountDown, &&op_CountUpToBound, &&op_CountDownToBound,
     };
     static_assert(sizeof handlers / sizeof handlers[0] == static_cast<size_t>(Op::Count));
     if (decoded) {
@@ -512,37 +513,73 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             }
             QEL_ARITHMETIC_PAIRS(QEL_FUSED_ARITHMETIC_PAIR)
 #undef QEL_FUSED_ARITHMETIC_PAIR
-            // The counter of a loop one up (down), its test against the
-            // bound at the head of the loop, and on into the body or out.
-            op_CountUp:
-            op_CountDown: {
+            // The counter against a bound of two literals, the three cells
+            // pushed left as the plain steps leave them.
+            op_LoadBoundLessEqualJump:
+            op_LoadBoundGreaterEqualJump: {
                 VALUE* const variable = LocalAt(step->first);
                 VALUE* const c = r.top + 1;
-                if (!variable || c + 1 > limit || variable->type != tagInteger ||
-                    c->type == tagString || c[1].type == tagString)
+                if (!variable || c + 2 > limit || variable->type != tagInteger ||
+                    c->type == tagString || c[1].type == tagString || c[2].type == tagString)
                     QEL_DECLINE();
-                const bool up = step->op == Op::CountUp;
-                const int counter = WrapAdd(variable->intValue, up ? 1 : -1);
-                c->type = tagInteger;
-                c->intValue = counter;
-                variable->intValue = counter;
-                r.next += 3;
-                step = r.next;  // the JMP
-                QEL_CHECKPOINT();
-                QEL_TAKE_JUMP(step->to);
-                step = r.next;  // the head
-                const int bound = step->fusedLiteral->intValue;
+                const int counter = variable->intValue;
+                const int bound = static_cast<int>(step->second);
+                c[2].type = tagInteger;
+                c[2].intValue = step[2].number;
                 c[1].type = tagInteger;
                 c[1].intValue = bound;
-                const bool inside = up ? counter <= bound : counter >= bound;
+                const bool inside = step->op == Op::LoadBoundLessEqualJump ? counter <= bound
+                                                                          : counter >= bound;
+                c->type = tagInteger;
                 c->intValue = inside ? 1 : 0;
                 if (!inside) {
                     QEL_TAKE_JUMP(step->target);
                     QEL_DISPATCH();
                 }
-                r.next += 4;
+                r.next += 6;
                 QEL_DISPATCH();
             }
+#define QEL_COUNT(folded, up)                                                            \
+    VALUE* const variable = LocalAt(step->first);                                        \
+    VALUE* const c = r.top + 1;                                                          \
+    if (!variable || c + 1 + (folded) > limit || variable->type != tagInteger ||         \
+        c->type == tagString || c[1].type == tagString ||                                \
+        ((folded) && c[2].type == tagString))                                            \
+        QEL_DECLINE();                                                                   \
+    const int counter = WrapAdd(variable->intValue, (up) ? 1 : -1);                      \
+    c->type = tagInteger;                                                                \
+    c->intValue = counter;                                                               \
+    variable->intValue = counter;                                                        \
+    r.next += 3;                                                                         \
+    step = r.next; /* the JMP */                                                         \
+    QEL_CHECKPOINT();                                                                    \
+    QEL_TAKE_JUMP(step->to);                                                             \
+    step = r.next; /* the head */                                                        \
+    int bound;                                                                           \
+    if constexpr (folded) {                                                              \
+        bound = static_cast<int>(step->second);                                          \
+        c[2].type = tagInteger;                                                          \
+        c[2].intValue = step[2].number;                                                  \
+    } else {                                                                             \
+        bound = step->fusedLiteral->intValue;                                            \
+    }                                                                                    \
+    c[1].type = tagInteger;                                                              \
+    c[1].intValue = bound;                                                               \
+    const bool inside = (up) ? counter <= bound : counter >= bound;                      \
+    c->intValue = inside ? 1 : 0;                                                        \
+    if (!inside) {                                                                       \
+        QEL_TAKE_JUMP(step->target);                                                     \
+        QEL_DISPATCH();                                                                  \
+    }                                                                                    \
+    r.next += (folded) ? 6 : 4;                                                          \
+    QEL_DISPATCH()
+            // The counter of a loop one up (down), its test against the
+            // bound at the head of the loop, and on into the body or out.
+            op_CountUp: { QEL_COUNT(false, true); }
+            op_CountDown: { QEL_COUNT(false, false); }
+            op_CountUpToBound: { QEL_COUNT(true, true); }
+            op_CountDownToBound: { QEL_COUNT(true, false); }
+#undef QEL_COUNT
             op_LitStore: {
                 VALUE* const c = r.top + 1;
                 if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_DECLINE();

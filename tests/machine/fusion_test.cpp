@@ -109,15 +109,18 @@ private:
     }
 
     // FOR v := ... TO (DOWNTO) bound DO body END, the counter mostly an
-    // integer, the bound a literal of any tag; now and then the head tests
-    // another variable or runs the other way than the counter.
+    // integer, the bound a literal of any tag or two and their sum or
+    // difference; now and then the head tests another variable or runs the
+    // other way than the counter.
     void CountingLoop() {
         const intptr_t v = Variable();
         const bool up = Pick(0, 1);
         const int head = Here();
         pb.Ins(LOD, 0, Pick(0, 7) ? v : Variable());
         pb.Lit(Pick(0, 3) ? Int(Pick(-2, 12)) : Literal());
-        pb.Op(up == (Pick(0, 7) > 0) ? oprLessEqual : oprGreaterEqual).Ins(JPC, 0, head + 10);
+        if (Pick(0, 2) == 0)  // TO n - 1
+            pb.Lit(Pick(0, 3) ? Int(Pick(-2, 2)) : Literal()).Op(Pick(0, 1) ? oprPlus : oprMinus);
+        pb.Op(up == (Pick(0, 7) > 0) ? oprLessEqual : oprGreaterEqual).Ins(JPC, 0, Here() + 7);
         if (Pick(0, 1)) Load(); else pb.Lit(Literal());
         Store();
         pb.Ins(LOD, 0, v).Op(up ? oprIncrement : oprDecrement).Ins(STO, 0, v).Ins(JMP, 0, head);
