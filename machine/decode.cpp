@@ -125,7 +125,8 @@ Op ArithmeticPairOf(const Step& first, const Step& then) {
 }
 
 // JMP back to the test of a counting loop on the variable that `step` counts:
-// the head, fused before, compares it with an integer literal.
+// the head, fused before, compares it with an integer literal or a bound of
+// two. A head at `step` or behind it is not fused yet and does not match.
 bool ClosesCountingLoop(const Step& step, const Step& jump, bool up) {
     if (jump.plain != Op::JumpBack) return false;
     const Step& head = *jump.to;
