@@ -177,6 +177,157 @@ inline bool TryAppend(VALUE& left, const VALUE& right) {
     return true;
 }
 
+// The binary operations on two integers or two doubles, for the fused steps
+// that push both operands: what each leaves in the left cell, whose tag the
+// caller has set to the operands' one. A relation puts its integer over the
+// double that the left cell held, as the plain steps leave it.
+template <class IntegerForm, class DoubleForm>
+struct ArithmeticPair {
+    static constexpr bool known = true;
+    static bool Takes(int) { return true; }
+    static bool Takes(double) { return true; }
+    static int Of(int a, int b) { return IntegerForm()(a, b); }
+    static double Of(double a, double b) { return DoubleForm()(a, b); }
+    static void Integers(VALUE& left, int a, int b) { left.intValue = Of(a, b); }
+    static void Doubles(VALUE& left, double a, double b) { left.doubleValue = Of(a, b); }
+};
+template <class Relation>
+struct RelationPair {
+    static constexpr bool known = true;
+    static bool Takes(int) { return true; }
+    static bool Takes(double) { return true; }
+    static void Integers(VALUE& left, int a, int b) { left.intValue = Relation()(a, b) ? 1 : 0; }
+    static void Doubles(VALUE& left, double a, double b) {
+        left.doubleValue = a;
+        left.type = tagInteger;
+        left.intValue = Relation()(a, b) ? 1 : 0;
+    }
+};
+struct WrappingPlus { int operator()(int a, int b) const { return WrapAdd(a, b); } };
+struct WrappingMinus { int operator()(int a, int b) const { return WrapSub(a, b); } };
+struct WrappingTimes { int operator()(int a, int b) const { return WrapMul(a, b); } };
+struct IntegerQuotient { int operator()(int a, int b) const { return SafeDiv(a, b); } };
+// Equal within the tolerance of the = operator; integers only when equal.
+struct Near {
+    bool operator()(int a, int b) const { return a == b; }
+    bool operator()(double a, double b) const { return std::fabs(a - b) <= 0.00001; }
+};
+struct NotNear {
+    template <class Number>
+    bool operator()(Number a, Number b) const { return !Near()(a, b); }
+};
+using PlusPair = ArithmeticPair<WrappingPlus, std::plus<>>;
+using MinusPair = ArithmeticPair<WrappingMinus, std::minus<>>;
+using TimesPair = ArithmeticPair<WrappingTimes, std::multiplies<>>;
+// A zero divisor is left to the plain step's report.
+struct DividePair : ArithmeticPair<IntegerQuotient, std::divides<>> {
+    static bool Takes(int divisor) { return divisor != 0; }
+    static bool Takes(double divisor) { return std::fabs(divisor) > 0.00001; }
+};
+using EqualPair = RelationPair<Near>;
+using NotEqualPair = RelationPair<NotNear>;
+using LessPair = RelationPair<std::less<>>;
+using GreaterEqualPair = RelationPair<std::greater_equal<>>;
+using GreaterPair = RelationPair<std::greater<>>;
+using LessEqualPair = RelationPair<std::less_equal<>>;
+// The logical and bit operations keep to their Try forms.
+struct NoPair {
+    static constexpr bool known = false;
+};
+using BitOrPair = NoPair;
+using BitAndPair = NoPair;
+using OrPair = NoPair;
+using AndPair = NoPair;
+
+// c = first; c[1] = second; c = c op c[1], for two integers or two doubles
+// and cells above that hold no text. False, with nothing changed, for
+// anything else. A second operand in c itself would be the first by then.
+template <class Pair>
+inline bool TryPushPair(VALUE* c, const VALUE& first, const VALUE& second) {
+    if constexpr (!Pair::known) return false;
+    else {
+        const int tag = first.type;
+        if (tag != second.type || c->type == tagString || c[1].type == tagString || &second == c)
+            return false;
+        if (tag == tagInteger) {
+            const int a = first.intValue, b = second.intValue;
+            if (!Pair::Takes(b)) return false;
+            c[1].type = tagInteger;
+            c[1].intValue = b;
+            c->type = tagInteger;
+            c->intValue = a;
+            Pair::Integers(*c, a, b);
+            return true;
+        }
+        if (tag == tagDouble) {
+            const double a = first.doubleValue, b = second.doubleValue;
+            if (!Pair::Takes(b)) return false;
+            c[1].type = tagDouble;
+            c[1].doubleValue = b;
+            c->type = tagDouble;
+            Pair::Doubles(*c, a, b);
+            return true;
+        }
+        return false;
+    }
+}
+
+// OPR first; OPR then; STO target on three cells of one number tag at the
+// top, the divisors not 0: the same cells, and the result in the target.
+// False, with nothing changed, for anything else.
+template <class First, class Then, class Number>
+inline bool TryTwo(const VALUE& c, Number VALUE::*member, VALUE& a, VALUE& b, VALUE& target) {
+    if (!First::Takes(c.*member)) return false;
+    const Number inner = First::Of(b.*member, c.*member);
+    if (!Then::Takes(inner)) return false;
+    const Number result = Then::Of(a.*member, inner);
+    b.*member = inner;
+    a.*member = result;
+    target.type = c.type;
+    target.*member = result;
+    return true;
+}
+
+template <class First, class Then>
+inline bool TryTwoAndStore(VALUE* top, VALUE& target) {
+    VALUE& a = top[-2];
+    VALUE& b = top[-1];
+    const VALUE& c = top[0];
+    const int tag = c.type;
+    if (a.type != tag || b.type != tag || target.type == tagString) return false;
+    if (tag == tagInteger) return TryTwo<First, Then, int>(c, &VALUE::intValue, a, b, target);
+    if (tag == tagDouble) return TryTwo<First, Then, double>(c, &VALUE::doubleValue, a, b, target);
+    return false;
+}
+
+// The same with the left operand in place below: c = operand; c[-1] op= c.
+template <class Pair>
+inline bool TryPushOne(VALUE* c, const VALUE& operand) {
+    if constexpr (!Pair::known) return false;
+    else {
+        VALUE& left = c[-1];
+        const int tag = left.type;
+        if (tag != operand.type || c->type == tagString) return false;
+        if (tag == tagInteger) {
+            const int a = left.intValue, b = operand.intValue;
+            if (!Pair::Takes(b)) return false;
+            c->type = tagInteger;
+            c->intValue = b;
+            Pair::Integers(left, a, b);
+            return true;
+        }
+        if (tag == tagDouble) {
+            const double a = left.doubleValue, b = operand.doubleValue;
+            if (!Pair::Takes(b)) return false;
+            c->type = tagDouble;
+            c->doubleValue = b;
+            Pair::Doubles(left, a, b);
+            return true;
+        }
+        return false;
+    }
+}
+
 inline void Add(VALUE& left, const VALUE& right) {
     if (!TryAdd(left, right) && !TryAppend(left, right)) left = left + right;
 }

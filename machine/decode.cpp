@@ -107,6 +107,35 @@ bool IsLit(const Step& step) {
     return step.plain == Op::LitInt || step.plain == Op::LitDouble || step.plain == Op::LitValue;
 }
 
+constexpr Op arithmetic[] = {Op::Plus, Op::Minus, Op::Times, Op::Divide};
+constexpr Op arithmeticPairs[] = {
+#define QEL_PAIR(first, then) Op::first##then##Store,
+    QEL_ARITHMETIC_PAIRS(QEL_PAIR)
+#undef QEL_PAIR
+};
+
+int ArithmeticIndex(const Step& step) {
+    for (int i = 0; i < 4; ++i)
+        if (arithmetic[i] == step.plain) return i;
+    return -1;
+}
+bool IsArithmetic(const Step& step) { return ArithmeticIndex(step) >= 0; }
+Op ArithmeticPairOf(const Step& first, const Step& then) {
+    return arithmeticPairs[ArithmeticIndex(first) * 4 + ArithmeticIndex(then)];
+}
+
+// JMP back to the test of a counting loop on the variable that `step` counts:
+// the head, fused before, compares it with an integer literal or a bound of
+// two. A head at `step` or behind it is not fused yet and does not match.
+bool ClosesCountingLoop(const Step& step, const Step& jump, bool up) {
+    if (jump.plain != Op::JumpBack) return false;
+    const Step& head = *jump.to;
+    if (head.first != step.first) return false;
+    if (head.op == (up ? Op::LoadBoundLessEqualJump : Op::LoadBoundGreaterEqualJump)) return true;
+    return head.op == (up ? Op::LoadLitLessEqualJump : Op::LoadLitGreaterEqualJump) &&
+           head.fusedLiteral->type == tagInteger;
+}
+
 // The fused form of the sequence from `at`, longest first; false: none.
 bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int at) {
     auto plain = [&](int k) -> const Step* {
@@ -117,6 +146,18 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
     const Step *s1 = plain(1), *s2 = plain(2), *s3 = plain(3);
     auto literal = [&](int k) { return &code[at + k].value; };
     auto forwardJump = [&](const Step* jump) { return jump && jump->plain == Op::JumpIfZero; };
+    const Step *s4 = plain(4), *s5 = plain(5);
+    if (IsLocalLoad(step) && s4 && s1->plain == Op::LitInt && s2->plain == Op::LitInt &&
+        (s3->plain == Op::Plus || s3->plain == Op::Minus) &&
+        (s4->plain == Op::LessEqual || s4->plain == Op::GreaterEqual) && forwardJump(s5)) {
+        step.op = s4->plain == Op::LessEqual ? Op::LoadBoundLessEqualJump
+                                             : Op::LoadBoundGreaterEqualJump;
+        step.second = s3->plain == Op::Plus ? WrapAdd(s1->number, s2->number)
+                                            : WrapSub(s1->number, s2->number);
+        step.target = s5->to;
+        step.delta = s5->delta;
+        return true;
+    }
     if (IsLocalLoad(step) && s1 && s2) {
         const BinaryForms* binary = BinaryOf(*s2);
         const RelationForms* relation = RelationOf(*s2);
@@ -143,7 +184,15 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         }
         if ((s1->plain == Op::Increment || s1->plain == Op::Decrement) && IsLocalStore(*s2) &&
             s2->a == step.a) {
-            step.op = s1->plain == Op::Increment ? Op::IncrementVariable : Op::DecrementVariable;
+            const bool up = s1->plain == Op::Increment;
+            step.op = up ? Op::IncrementVariable : Op::DecrementVariable;
+            if (s3 && ClosesCountingLoop(step, *s3, up)) {
+                const Op head = s3->to->op;
+                if (head == Op::LoadBoundLessEqualJump || head == Op::LoadBoundGreaterEqualJump)
+                    step.op = up ? Op::CountUpToBound : Op::CountDownToBound;
+                else
+                    step.op = up ? Op::CountUp : Op::CountDown;
+            }
             return true;
         }
         if (IsLit(*s1) && binary) {
@@ -210,6 +259,11 @@ bool FuseAt(std::vector<Step>& steps, const Instruction* code, int length, int a
         step.op = Op::LitStore;
         step.fusedLiteral = literal(0);
         step.store = CountInBytes(s1->a);
+        return true;
+    }
+    if (IsArithmetic(step) && s2 && IsArithmetic(*s1) && IsLocalStore(*s2)) {
+        step.op = ArithmeticPairOf(step, *s1);
+        step.store = CountInBytes(s2->a);
         return true;
     }
     if (BinaryOf(step) && IsLocalStore(*s1)) {

@@ -37,6 +37,12 @@ inline int ToAddress(intptr_t a) {
     X(Or, TryOr, Or)                    \
     X(And, TryAnd, And)
 
+// The arithmetic among them, by twos.
+#define QEL_ARITHMETIC_AFTER(X, first) X(first, Plus) X(first, Minus) X(first, Times) X(first, Divide)
+#define QEL_ARITHMETIC_PAIRS(X)                                                       \
+    QEL_ARITHMETIC_AFTER(X, Plus) QEL_ARITHMETIC_AFTER(X, Minus) QEL_ARITHMETIC_AFTER(X, Times) \
+    QEL_ARITHMETIC_AFTER(X, Divide)
+
 // What the dispatch loop runs: each instruction decoded once per run into a
 // step, with every OPR sub-operation and the common operand forms as a step
 // of its own, and the frequent sequences fused (see Fuse in decode.cpp).
@@ -132,6 +138,22 @@ enum class Op : uint8_t {
     LoadPair,           // LOD a; LOD second
     LoadLitPair,        // LOD a; LIT literal
     LoadStore,          // LOD a; STO store
+    // Two arithmetic operations and the store of their result: OPR; OPR; STO store.
+#define QEL_FUSED_ARITHMETIC_PAIR(first, then) first##then##Store,
+    QEL_ARITHMETIC_PAIRS(QEL_FUSED_ARITHMETIC_PAIR)
+#undef QEL_FUSED_ARITHMETIC_PAIR
+    // The test at the head of a counting loop whose bound the compiler left
+    // as two integer literals: LOD a; LIT; LIT; OPR + (-); OPR <= (>=); JPC
+    // target. `second` is the bound worked out.
+    LoadBoundLessEqualJump,
+    LoadBoundGreaterEqualJump,
+    // The end of a counting loop: LOD a; OPR ++ (--); STO a; JMP head, where
+    // head is LoadLitLessEqualJump (LoadLitGreaterEqualJump) on the same
+    // variable and an integer bound; ...ToBound: head is LoadBound....
+    CountUp,
+    CountDown,
+    CountUpToBound,
+    CountDownToBound,
     Count
 };
 

@@ -145,31 +145,36 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     // between, as the plain steps do.
     // A first operand that the numbers' path does not take: the three
     // instructions out of line.
-#define QEL_PUSH_TWO(operation, general, first, second, present)                          \
-    VALUE* const c = r.top + 1;                                                           \
-    if (!(present) || c + 1 > limit) QEL_DECLINE();                                       \
-    if (!TryAssign(*c, *(first))) {                                          \
-        if constexpr (!reportsNothing<general>) QEL_DECLINE();                            \
-        QEL_FUSED_OUT_OF_LINE(PushTwoAndOperate<general>(registers, *(first), *(second))); \
-    }                                                                                     \
-    if (!TryAssign(c[1], *(second))) QEL_LEAVE_AT(1, c);                                  \
-    if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1)
-#define QEL_LOAD_LIT(operation, general) \
+    // Two operands of one number tag take the shortest way (TryPushPair).
+#define QEL_PUSH_TWO(pair, operation, general, first, second, present)                         \
+    VALUE* const c = r.top + 1;                                                                \
+    if (!(present) || c + 1 > limit) QEL_DECLINE();                                            \
+    if (!TryPushPair<pair>(c, *(first), *(second))) {                                          \
+        if (!TryAssign(*c, *(first))) {                                                        \
+            if constexpr (!reportsNothing<general>) QEL_DECLINE();                             \
+            QEL_FUSED_OUT_OF_LINE(PushTwoAndOperate<general>(registers, *(first), *(second))); \
+        }                                                                                      \
+        if (!TryAssign(c[1], *(second))) QEL_LEAVE_AT(1, c);                                   \
+        if (!operation(*c, c[1])) QEL_LEAVE_AT(2, c + 1);                                      \
+    }
+#define QEL_LOAD_LIT(pair, operation, general)    \
     VALUE* const variable = LocalAt(step->first); \
-    QEL_PUSH_TWO(operation, general, variable, step->fusedLiteral, variable)
-#define QEL_LOAD_LOAD(operation, general)           \
-    VALUE* const variable = LocalAt(step->first);   \
-    VALUE* const second = LocalAt(step->second);    \
-    QEL_PUSH_TWO(operation, general, variable, second, variable && second)
+    QEL_PUSH_TWO(pair, operation, general, variable, step->fusedLiteral, variable)
+#define QEL_LOAD_LOAD(pair, operation, general)   \
+    VALUE* const variable = LocalAt(step->first); \
+    VALUE* const second = LocalAt(step->second);  \
+    QEL_PUSH_TWO(pair, operation, general, variable, second, variable && second)
     // PUSH; OPR.
-#define QEL_PUSH_ONE(operation, general, operand, present)                            \
-    VALUE* const c = r.top + 1;                                                       \
-    if (!(present) || c > limit) QEL_DECLINE();                                       \
-    if (!TryAssign(*c, *(operand))) {                                    \
-        if constexpr (!reportsNothing<general>) QEL_DECLINE();                        \
-        QEL_FUSED_OUT_OF_LINE(PushAndOperate<general>(registers, *(operand)));        \
-    }                                                                                 \
-    if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c)
+#define QEL_PUSH_ONE(pair, operation, general, operand, present)                         \
+    VALUE* const c = r.top + 1;                                                          \
+    if (!(present) || c > limit) QEL_DECLINE();                                          \
+    if (!TryPushOne<pair>(c, *(operand))) {                                              \
+        if (!TryAssign(*c, *(operand))) {                                                \
+            if constexpr (!reportsNothing<general>) QEL_DECLINE();                       \
+            QEL_FUSED_OUT_OF_LINE(PushAndOperate<general>(registers, *(operand)));       \
+        }                                                                                \
+        if (!operation(*r.top, *c)) QEL_LEAVE_AT(1, c);                                  \
+    }
 #define QEL_JUMP_IF_ZERO(condition)            \
     if ((condition)->intValue == 0) {          \
         QEL_TAKE_JUMP(step->target);      \
@@ -223,6 +228,11 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
 #undef QEL_HANDLERS
         &&op_IncrementVariable, &&op_DecrementVariable, &&op_LitStore, &&op_LoadElement,
         &&op_LoadLitStoreElement, &&op_LoadPair, &&op_LoadLitPair, &&op_LoadStore,
+#define QEL_HANDLERS(first, then) &&op_##first##then##Store,
+        QEL_ARITHMETIC_PAIRS(QEL_HANDLERS)
+#undef QEL_HANDLERS
+        &&op_LoadBoundLessEqualJump, &&op_LoadBoundGreaterEqualJump,
+        &&op_CountUp, &&op_CountDown, &&op_CountUpToBound, &&op_CountDownToBound,
     };
     static_assert(sizeof handlers / sizeof handlers[0] == static_cast<size_t>(Op::Count));
     if (decoded) {
@@ -390,19 +400,19 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             op_Nothing: QEL_NEXT();
 #define QEL_FUSED_BINARY(name, operation, general)                                        \
             op_LoadLit##name: {                                            \
-                QEL_LOAD_LIT(operation, general);                                         \
+                QEL_LOAD_LIT(name##Pair, operation, general);                                         \
                 r.top = c;                                                       \
                 r.next += 3;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
             op_LoadLoad##name: {                                           \
-                QEL_LOAD_LOAD(operation, general);                                        \
+                QEL_LOAD_LOAD(name##Pair, operation, general);                                        \
                 r.top = c;                                                       \
                 r.next += 3;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
             op_LoadLit##name##Store: {                                     \
-                QEL_LOAD_LIT(operation, general);                                         \
+                QEL_LOAD_LIT(name##Pair, operation, general);                                         \
                 VALUE* const target = LocalAt(step->store);                         \
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
                 r.next += 4;                                                     \
@@ -410,26 +420,26 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             }                                                                    \
             op_Load##name: {                                                     \
                 VALUE* const variable = LocalAt(step->first);                    \
-                QEL_PUSH_ONE(operation, general, variable, variable);                      \
+                QEL_PUSH_ONE(name##Pair, operation, general, variable, variable);                      \
                 r.next += 2;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_LitLoad##name: {                                                  \
                 VALUE* const variable = LocalAt(step->store);                    \
-                QEL_PUSH_TWO(operation, general, step->fusedLiteral, variable, variable); \
+                QEL_PUSH_TWO(name##Pair, operation, general, step->fusedLiteral, variable, variable); \
                 r.top = c;                                                       \
                 r.next += 3;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_LoadLoad##name##Store: {                                          \
-                QEL_LOAD_LOAD(operation, general);                                        \
+                QEL_LOAD_LOAD(name##Pair, operation, general);                                        \
                 VALUE* const target = LocalAt(step->store);                        \
                 if (!target || !TryAssign(*target, *c)) QEL_LEAVE_AT(3, c);      \
                 r.next += 4;                                                     \
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_Lit##name: {                                                \
-                QEL_PUSH_ONE(operation, general, step->fusedLiteral, true);            \
+                QEL_PUSH_ONE(name##Pair, operation, general, step->fusedLiteral, true);            \
                 r.next += 2;                                                     \
                 QEL_DISPATCH();                                                        \
             }                                                                    \
@@ -448,11 +458,11 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             // The relation leaves an integer, which JPC takes without a test.
 #define QEL_FUSED_RELATION(name, operation, general)                                      \
             op_LoadLit##name##Jump: {                                      \
-                QEL_LOAD_LIT(operation, general);                                         \
+                QEL_LOAD_LIT(name##Pair, operation, general);                                         \
                 QEL_JUMP_IF_ZERO(c);                                             \
             }                                                                    \
             op_LoadLoad##name##Jump: {                                     \
-                QEL_LOAD_LOAD(operation, general);                                        \
+                QEL_LOAD_LOAD(name##Pair, operation, general);                                        \
                 QEL_JUMP_IF_ZERO(c);                                             \
             } \
             op_##name##Jump: {                                                   \
@@ -468,7 +478,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 QEL_DISPATCH();                                                  \
             }                                                                    \
             op_Lit##name##Jump: {                                                \
-                QEL_PUSH_ONE(operation, general, step->fusedLiteral, true);            \
+                QEL_PUSH_ONE(name##Pair, operation, general, step->fusedLiteral, true);            \
                 VALUE* const condition = r.top;                                  \
                 if (condition == s) QEL_LEAVE_AT(2, condition);                  \
                 r.top = condition - 1;                                           \
@@ -491,6 +501,85 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 r.next += 3;
                 QEL_DISPATCH();
             }
+#define QEL_FUSED_ARITHMETIC_PAIR(first, then)                                                \
+            op_##first##then##Store: {                                                        \
+                VALUE* const target = LocalAt(step->store);                                   \
+                if (!target || r.top - s < 3 ||                                               \
+                    !TryTwoAndStore<first##Pair, then##Pair>(r.top, *target))                 \
+                    QEL_DECLINE();                                                            \
+                r.top -= 3;                                                                   \
+                r.next += 3;                                                                  \
+                QEL_DISPATCH();                                                               \
+            }
+            QEL_ARITHMETIC_PAIRS(QEL_FUSED_ARITHMETIC_PAIR)
+#undef QEL_FUSED_ARITHMETIC_PAIR
+            // The counter against a bound of two literals, the three cells
+            // pushed left as the plain steps leave them.
+            op_LoadBoundLessEqualJump:
+            op_LoadBoundGreaterEqualJump: {
+                VALUE* const variable = LocalAt(step->first);
+                VALUE* const c = r.top + 1;
+                if (!variable || c + 2 > limit || variable->type != tagInteger ||
+                    c->type == tagString || c[1].type == tagString || c[2].type == tagString)
+                    QEL_DECLINE();
+                const int counter = variable->intValue;
+                const int bound = static_cast<int>(step->second);
+                c[2].type = tagInteger;
+                c[2].intValue = step[2].number;
+                c[1].type = tagInteger;
+                c[1].intValue = bound;
+                const bool inside = step->op == Op::LoadBoundLessEqualJump ? counter <= bound
+                                                                          : counter >= bound;
+                c->type = tagInteger;
+                c->intValue = inside ? 1 : 0;
+                if (!inside) {
+                    QEL_TAKE_JUMP(step->target);
+                    QEL_DISPATCH();
+                }
+                r.next += 6;
+                QEL_DISPATCH();
+            }
+#define QEL_COUNT(folded, up)                                                            \
+    VALUE* const variable = LocalAt(step->first);                                        \
+    VALUE* const c = r.top + 1;                                                          \
+    if (!variable || c + 1 + (folded) > limit || variable->type != tagInteger ||         \
+        c->type == tagString || c[1].type == tagString ||                                \
+        ((folded) && c[2].type == tagString))                                            \
+        QEL_DECLINE();                                                                   \
+    const int counter = WrapAdd(variable->intValue, (up) ? 1 : -1);                      \
+    c->type = tagInteger;                                                                \
+    c->intValue = counter;                                                               \
+    variable->intValue = counter;                                                        \
+    r.next += 3;                                                                         \
+    step = r.next; /* the JMP */                                                         \
+    QEL_CHECKPOINT();                                                                    \
+    QEL_TAKE_JUMP(step->to);                                                             \
+    step = r.next; /* the head */                                                        \
+    int bound;                                                                           \
+    if constexpr (folded) {                                                              \
+        bound = static_cast<int>(step->second);                                          \
+        c[2].type = tagInteger;                                                          \
+        c[2].intValue = step[2].number;                                                  \
+    } else {                                                                             \
+        bound = step->fusedLiteral->intValue;                                            \
+    }                                                                                    \
+    c[1].type = tagInteger;                                                              \
+    c[1].intValue = bound;                                                               \
+    const bool inside = (up) ? counter <= bound : counter >= bound;                      \
+    c->intValue = inside ? 1 : 0;                                                        \
+    if (!inside) {                                                                       \
+        QEL_TAKE_JUMP(step->target);                                                     \
+        QEL_DISPATCH();                                                                  \
+    }                                                                                    \
+    r.next += (folded) ? 6 : 4;                                                          \
+    QEL_DISPATCH()
+            // The counter of a loop one up (down), its test against the
+            // bound at the head of the loop, and on into the body or out.
+            op_CountUp: { QEL_COUNT(false, true); }
+            op_CountDown: { QEL_COUNT(false, false); }
+            op_CountUpToBound: { QEL_COUNT(true, true); }
+            op_CountDownToBound: { QEL_COUNT(true, false); }
+#undef QEL_COUNT
             op_LitStore: {
                 VALUE* const c = r.top + 1;
                 if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_DECLINE();

@@ -35,6 +35,9 @@ public:
         // Now and then the frame reaches close to the end of the first stack.
         const int frame = Pick(0, 3) == 0 ? Pick(9975, 9995) : arrayAt + 1 + arraySize;
         pb.Begin(frame - 3).Lit(arraySize).Ins(STO, 0, arrayAt);
+        // Integers and doubles side by side, for pairs of one tag and mixed ones.
+        for (int v = 3; v < 3 + variables; ++v)
+            if (Pick(0, 1)) pb.Lit(Double(Pick(-3, 3) * 0.75)).Ins(STO, 0, v);
         for (int i = 0; i < pieces; ++i) Piece();
         // Not RET: the links may hold texts by now, whose pointers differ.
         pb.Ins(JMP, 0, 0);
@@ -52,7 +55,8 @@ private:
     VALUE Literal() {
         VALUE v;
         switch (Pick(0, 9)) {
-            case 0: v = Pick(-2, 2) * 0.5; break;
+            case 0:
+            case 3: v = Pick(0, 2) == 0 ? 0.000004 : Pick(-2, 2) * 0.5; break;
             case 1:
                 if (texts) v.SetString(Pick(0, 2) == 0 ? "0" : Pick(0, 1) ? "7x" : "");
                 break;
@@ -66,7 +70,7 @@ private:
     void Store() { pb.Ins(STO, 0, Variable()); }
 
     void Piece() {
-        switch (Pick(0, 21)) {
+        switch (Pick(0, 23)) {
             case 0: Load(); pb.Lit(Literal()).Op(Binary()); break;
             case 1: Load(); Load(); pb.Op(Binary()); break;
             case 2: Load(); pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 2 + Pick(1, 4)); break;
@@ -92,8 +96,34 @@ private:
             case 18: pb.Lit(Literal()).Op(Relation()).Ins(JPC, 0, Here() + 3 + Pick(1, 4)); break;
             case 19: pb.Lit(Literal()); Load(); pb.Op(Binary()); break;
             case 20: Load(); Store(); break;
+            case 21: CountingLoop(); break;
+            case 22:  // two operations and a store, not fused with the loads before
+                Load();
+                Load();
+                if (Pick(0, 1)) Load(); else pb.Lit(Literal());
+                pb.Ins(INT, 0, 0).Op(Binary()).Op(Binary());
+                Store();
+                break;
             default: pb.Ins(INT, 0, Pick(-3, 3)); break;
         }
+    }
+
+    // FOR v := ... TO (DOWNTO) bound DO body END, the counter mostly an
+    // integer, the bound a literal of any tag or two and their sum or
+    // difference; now and then the head tests another variable or runs the
+    // other way than the counter.
+    void CountingLoop() {
+        const intptr_t v = Variable();
+        const bool up = Pick(0, 1);
+        const int head = Here();
+        pb.Ins(LOD, 0, Pick(0, 7) ? v : Variable());
+        pb.Lit(Pick(0, 3) ? Int(Pick(-2, 12)) : Literal());
+        if (Pick(0, 2) == 0)  // TO n - 1
+            pb.Lit(Pick(0, 3) ? Int(Pick(-2, 2)) : Literal()).Op(Pick(0, 1) ? oprPlus : oprMinus);
+        pb.Op(up == (Pick(0, 7) > 0) ? oprLessEqual : oprGreaterEqual).Ins(JPC, 0, Here() + 7);
+        if (Pick(0, 1)) Load(); else pb.Lit(Literal());
+        Store();
+        pb.Ins(LOD, 0, v).Op(up ? oprIncrement : oprDecrement).Ins(STO, 0, v).Ins(JMP, 0, head);
     }
 
     ProgramBuilder& pb;
@@ -112,11 +142,12 @@ struct Outcome {
 
 // Unwatched, no control is attached, and the steps go uncounted. Without
 // the fast loop every step is a general one.
-Outcome RunMade(unsigned seed, bool fused, bool watched = true, bool fast = true) {
+template <class Maker>
+Outcome RunBuilt(Maker make, bool fused, bool watched = true, bool fast = true) {
     ProgramBuilder pb;
     CRunControl control;
     control.maxSteps = 4000;  // loops end here, at the same jump either way
-    const int frame = ProgramMaker(pb, seed).Make(40);
+    const int frame = make(pb);
     pb.machine.control = watched ? &control : nullptr;
     qelkern::fuseSteps = fused;
     qelkern::fastLoop = fast;
@@ -133,11 +164,15 @@ Outcome RunMade(unsigned seed, bool fused, bool watched = true, bool fast = true
     for (int i : reached) {
         const VALUE& cell = pb.Cell(i);
         std::string payload = cell.type == 57 ? cell.GetStringPtr()->str()
-                                              : std::string(reinterpret_cast<const char*>(&cell.doubleValue),
-                                                            cell.type == 41 ? 8 : 4);
+                                              : std::string(reinterpret_cast<const char*>(&cell.doubleValue), 8);
         outcome.cells.emplace_back(cell.type, payload);
     }
     return outcome;
+}
+
+Outcome RunMade(unsigned seed, bool fused, bool watched = true, bool fast = true) {
+    return RunBuilt([seed](ProgramBuilder& pb) { return ProgramMaker(pb, seed).Make(40); }, fused,
+                    watched, fast);
 }
 
 }  // namespace
@@ -191,4 +226,83 @@ TEST(FusedSteps, DoWhatThePlainStepsDo) {
     EXPECT_GT(stopped, 100);
     EXPECT_GT(failed - stopped, 100);
     EXPECT_GT(looped, 10);
+}
+
+// Every fused form of every binary operation, and two arithmetic ones with a
+// store, on integers, doubles and both mixed, with divisors at and near 0,
+// over stale texts and numbers above t.
+// INT 0, 0 in between keeps a sequence from fusing with what is before it.
+TEST(FusedSteps, TakeEachPairOfNumberTagsAsThePlainStepsDo) {
+    const VALUE operands[] = {Int(6), Int(0), Double(1.5), Double(0.000004), Double(-0.5)};
+    int programs = 0;
+    // The target: a variable of a text or a number, or a cell of the operands.
+    auto Pick = [](int n) -> intptr_t { return n % 3 == 0 ? 5 : n % 3 == 1 ? 7 : 8; };
+    using Form = void (*)(ProgramBuilder&, const VALUE&, Operation);
+    const Form forms[] = {
+        [](ProgramBuilder& pb, const VALUE& second, Operation o) { pb.Ins(LOD, 0, 3).Lit(second).Op(o); },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) { pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Op(o); },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Op(o).Ins(STO, 0, 5);
+        },
+        [](ProgramBuilder& pb, const VALUE& second, Operation o) {
+            pb.Ins(LOD, 0, 3).Lit(second).Op(o).Ins(STO, 0, 5);
+        },
+        [](ProgramBuilder& pb, const VALUE& second, Operation o) {
+            pb.Ins(LOD, 0, 3).Lit(second).Op(o).Ins(JPC, 0, pb.gen.Label() + 2).Lit(7);
+        },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Op(o).Ins(JPC, 0, pb.gen.Label() + 2).Lit(7);
+        },
+        [](ProgramBuilder& pb, const VALUE& second, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(INT, 0, 0).Lit(second).Op(o);
+        },
+        [](ProgramBuilder& pb, const VALUE& second, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(INT, 0, 0).Lit(second).Op(o).Ins(JPC, 0, pb.gen.Label() + 2).Lit(7);
+        },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(INT, 0, 0).Ins(LOD, 0, 4).Op(o);
+        },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Ins(INT, 0, 0).Op(o).Ins(STO, 0, 5);
+        },
+        [](ProgramBuilder& pb, const VALUE&, Operation o) {
+            pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Ins(INT, 0, 0).Op(o).Ins(JPC, 0, pb.gen.Label() + 2).Lit(7);
+        },
+    };
+    const Operation arithmetic[] = {oprPlus, oprMinus, oprTimes, oprDivide};
+    for (const Operation first : arithmetic)
+        for (const Operation then : arithmetic)
+            for (const VALUE& a : operands)
+                for (const VALUE& b : operands)
+                    for (const VALUE& c : operands) {
+                        const bool staleText = ++programs % 2 == 0;
+                        auto make = [&](ProgramBuilder& pb) {
+                            pb.Begin(4).Lit(a).Ins(STO, 0, 3).Lit(b).Ins(STO, 0, 4);
+                            pb.Lit(staleText ? Text("alt") : Double(2.25)).Ins(STO, 0, 5);
+                            pb.Ins(LOD, 0, 3).Ins(LOD, 0, 4).Lit(c).Ins(INT, 0, 0);
+                            pb.Op(first).Op(then).Ins(STO, 0, Pick(programs));
+                            pb.Ins(JMP, 0, 0);
+                            return 7;
+                        };
+                        ExpectSame(RunBuilt(make, true), RunBuilt(make, false), programs);
+                        if (HasFatalFailure()) return;
+                    }
+    const Operation numbers[] = {oprPlus, oprMinus, oprTimes, oprDivide, oprEqual, oprNotEqual,
+                                 oprLess, oprGreaterEqual, oprGreater, oprLessEqual};
+    for (const Operation o : numbers)
+        for (const VALUE& first : operands)
+            for (const VALUE& second : operands)
+                for (const Form form : forms) {
+                    const bool staleText = ++programs % 2 == 0;
+                    auto make = [&](ProgramBuilder& pb) {
+                        pb.Begin(4).Lit(first).Ins(STO, 0, 3).Lit(second).Ins(STO, 0, 4);
+                        pb.Lit(staleText ? Text("alt") : Double(2.25)).Lit(Double(-7.5));
+                        pb.Ins(INT, 0, -2);
+                        form(pb, second, o);
+                        pb.Ins(JMP, 0, 0);
+                        return 7;
+                    };
+                    ExpectSame(RunBuilt(make, true), RunBuilt(make, false), programs);
+                    if (HasFatalFailure()) return;
+                }
 }
