@@ -110,7 +110,7 @@ inline void Assign(VALUE& target, const VALUE& source) {
 // Truth of JPC and NOT: equal to 0 within the tolerance of the = operator.
 inline bool NumberIsZero(const VALUE& number) {
     return number.type == tagInteger ? number.intValue == 0
-                                     : std::fabs(number.doubleValue) <= 0.00001;
+                                     : std::fabs(number.doubleValue) <= equalityTolerance;
 }
 
 inline bool IsZero(const VALUE& v) {
@@ -210,7 +210,7 @@ struct IntegerQuotient { int operator()(int a, int b) const { return SafeDiv(a, 
 // Equal within the tolerance of the = operator; integers only when equal.
 struct Near {
     bool operator()(int a, int b) const { return a == b; }
-    bool operator()(double a, double b) const { return std::fabs(a - b) <= 0.00001; }
+    bool operator()(double a, double b) const { return std::fabs(a - b) <= equalityTolerance; }
 };
 struct NotNear {
     template <class Number>
@@ -222,7 +222,7 @@ using TimesPair = ArithmeticPair<WrappingTimes, std::multiplies<>>;
 // A zero divisor is left to the plain step's report.
 struct DividePair : ArithmeticPair<IntegerQuotient, std::divides<>> {
     static bool Takes(int divisor) { return divisor != 0; }
-    static bool Takes(double divisor) { return std::fabs(divisor) > 0.00001; }
+    static bool Takes(double divisor) { return std::fabs(divisor) > equalityTolerance; }
 };
 using EqualPair = RelationPair<Near>;
 using NotEqualPair = RelationPair<NotNear>;
@@ -401,7 +401,7 @@ inline bool TryEqual(VALUE& left, const VALUE& right, bool negate) {
     if (left.type == tagInteger && right.type == tagInteger)
         equal = left.intValue == right.intValue;
     else if (IsNumber(left) && IsNumber(right))
-        equal = std::fabs(NumberOf(left) - NumberOf(right)) <= 0.00001;
+        equal = std::fabs(NumberOf(left) - NumberOf(right)) <= equalityTolerance;
     else
         return false;
     left.type = tagInteger;

@@ -10,6 +10,10 @@
 
 namespace qelkern {
 
+// Numbers closer than this are equal to = and <>, and a double this close
+// to 0 is false and no divisor.
+constexpr double equalityTolerance = 0.00001;
+
 // Truncates toward zero; NaN and values outside 32 bits give INT32_MIN,
 // so no double ever reaches an undefined conversion.
 inline int DoubleToInt(double number) {

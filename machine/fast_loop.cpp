@@ -513,6 +513,32 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             }
             QEL_ARITHMETIC_PAIRS(QEL_FUSED_ARITHMETIC_PAIR)
 #undef QEL_FUSED_ARITHMETIC_PAIR
+    // The head of a counting loop, standing at `step`, on `counter` (a value,
+    // not a cell) pushed into c: the bound (folded: two literals, both pushed) into the cells
+    // above as the plain steps leave them, the test into c, then into the
+    // body or out.
+#define QEL_COUNTING_HEAD(folded, up, counter)                                 \
+    {                                                                          \
+        int bound;                                                             \
+        if constexpr (folded) {                                                \
+            bound = static_cast<int>(step->second);                            \
+            c[2].type = tagInteger;                                            \
+            c[2].intValue = step[2].number;                                    \
+        } else {                                                               \
+            bound = step->fusedLiteral->intValue;                              \
+        }                                                                      \
+        c[1].type = tagInteger;                                                \
+        c[1].intValue = bound;                                                 \
+        const bool inside = (up) ? (counter) <= bound : (counter) >= bound;    \
+        c->type = tagInteger;                                                  \
+        c->intValue = inside ? 1 : 0;                                          \
+        if (!inside) {                                                         \
+            QEL_TAKE_JUMP(step->target);                                       \
+            QEL_DISPATCH();                                                    \
+        }                                                                      \
+        r.next += (folded) ? 6 : 4;                                            \
+        QEL_DISPATCH();                                                        \
+    }
             // The counter against a bound of two literals, the three cells
             // pushed left as the plain steps leave them.
             op_LoadBoundLessEqualJump:
@@ -522,22 +548,9 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
                 if (!variable || c + 2 > limit || variable->type != tagInteger ||
                     c->type == tagString || c[1].type == tagString || c[2].type == tagString)
                     QEL_DECLINE();
+                // Read before the cells above are written: it may be one of them.
                 const int counter = variable->intValue;
-                const int bound = static_cast<int>(step->second);
-                c[2].type = tagInteger;
-                c[2].intValue = step[2].number;
-                c[1].type = tagInteger;
-                c[1].intValue = bound;
-                const bool inside = step->op == Op::LoadBoundLessEqualJump ? counter <= bound
-                                                                          : counter >= bound;
-                c->type = tagInteger;
-                c->intValue = inside ? 1 : 0;
-                if (!inside) {
-                    QEL_TAKE_JUMP(step->target);
-                    QEL_DISPATCH();
-                }
-                r.next += 6;
-                QEL_DISPATCH();
+                QEL_COUNTING_HEAD(true, step->op == Op::LoadBoundLessEqualJump, counter);
             }
 #define QEL_COUNT(folded, up)                                                            \
     VALUE* const variable = LocalAt(step->first);                                        \
@@ -555,24 +568,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
     QEL_CHECKPOINT();                                                                    \
     QEL_TAKE_JUMP(step->to);                                                             \
     step = r.next; /* the head */                                                        \
-    int bound;                                                                           \
-    if constexpr (folded) {                                                              \
-        bound = static_cast<int>(step->second);                                          \
-        c[2].type = tagInteger;                                                          \
-        c[2].intValue = step[2].number;                                                  \
-    } else {                                                                             \
-        bound = step->fusedLiteral->intValue;                                            \
-    }                                                                                    \
-    c[1].type = tagInteger;                                                              \
-    c[1].intValue = bound;                                                               \
-    const bool inside = (up) ? counter <= bound : counter >= bound;                      \
-    c->intValue = inside ? 1 : 0;                                                        \
-    if (!inside) {                                                                       \
-        QEL_TAKE_JUMP(step->target);                                                     \
-        QEL_DISPATCH();                                                                  \
-    }                                                                                    \
-    r.next += (folded) ? 6 : 4;                                                          \
-    QEL_DISPATCH()
+    QEL_COUNTING_HEAD(folded, up, counter)
             // The counter of a loop one up (down), its test against the
             // bound at the head of the loop, and on into the body or out.
             op_CountUp: { QEL_COUNT(false, true); }
@@ -580,6 +576,7 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
             op_CountUpToBound: { QEL_COUNT(true, true); }
             op_CountDownToBound: { QEL_COUNT(true, false); }
 #undef QEL_COUNT
+#undef QEL_COUNTING_HEAD
             op_LitStore: {
                 VALUE* const c = r.top + 1;
                 if (c > limit || !TryAssign(*c, *step->fusedLiteral)) QEL_DECLINE();

@@ -19,8 +19,6 @@ constexpr int tagDouble = 41;
 constexpr int tagArray = 43;
 constexpr int tagString = 57;
 
-constexpr double equalityTolerance = 0.00001;
-
 const CString emptyText;
 
 // A host may tag a cell as string before it sets the pointer; such a cell
@@ -317,7 +315,7 @@ VALUE VALUE::operator==(const VALUE& right) const {
         case tagInteger:
         case tagDouble:
             return MakeTruth(std::fabs(static_cast<double>(*this) - static_cast<double>(right)) <=
-                             equalityTolerance);
+                             qelkern::equalityTolerance);
         case tagString: {
             TextRoom room;
             return MakeTruth(TextOf(*this).view() == TextView(right, room));
