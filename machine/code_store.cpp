@@ -7,6 +7,7 @@
 #include <new>
 #include <utility>
 
+#include "machine/address_space.h"
 #include "machine/cell_ops.h"
 
 namespace qelkern {
@@ -30,14 +31,10 @@ CodeStore::~CodeStore() {
 }
 
 bool CodeStore::Map(size_t count) {
-    const size_t bytes = count * sizeof(Instruction);
-    if (count == 0 || bytes / sizeof(Instruction) != count) return false;
-    void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
-                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (memory == MAP_FAILED) return false;
-    code = static_cast<Instruction*>(memory);
+    code = static_cast<Instruction*>(ReserveAddressSpace(count, sizeof(Instruction)));
+    if (!code) return false;
     reserved = count;
-    mappedBytes = bytes;
+    mappedBytes = count * sizeof(Instruction);
     return true;
 }
 

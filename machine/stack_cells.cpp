@@ -4,19 +4,17 @@
 
 #include <new>
 
+#include "machine/address_space.h"
+
 namespace qelkern {
 
 // Untouched pages of the reservation cost nothing; the kernel hands them out
 // on first write, which is the construction of their cells.
 StackCells::StackCells(size_t reservedCells) {
-    const size_t bytes = reservedCells * sizeof(VALUE);
-    if (reservedCells == 0 || bytes / sizeof(VALUE) != reservedCells) return;
-    void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
-                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (memory == MAP_FAILED) return;
-    cells = static_cast<VALUE*>(memory);
+    cells = static_cast<VALUE*>(ReserveAddressSpace(reservedCells, sizeof(VALUE)));
+    if (!cells) return;
     reserved = reservedCells;
-    mappedBytes = bytes;
+    mappedBytes = reservedCells * sizeof(VALUE);
 }
 
 StackCells::~StackCells() {
