@@ -240,10 +240,12 @@ FastEnd RunFast(CInterpreter& m, RunWatch& watch, Registers& registers, const St
         return FastEnd::Left;
     }
     const Step* step;
-#define QEL_DISPATCH()             \
-    do {                           \
-        step = r.next;             \
-        goto* step->handler;       \
+    // A watch thread may point a handler elsewhere (see Interrupts): read
+    // atomically, which is the same plain load.
+#define QEL_DISPATCH()                                              \
+    do {                                                            \
+        step = r.next;                                              \
+        goto* __atomic_load_n(&step->handler, __ATOMIC_RELAXED);    \
     } while (0)
 #define QEL_NEXT() \
     do {           \

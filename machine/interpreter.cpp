@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <system_error>
 #include <vector>
 
 #include "machine/cell_ops.h"
@@ -11,6 +12,7 @@
 #include "machine/machine_loops.h"
 #include "machine/decode.h"
 #include "machine/host_calls.h"
+#include "machine/interrupts.h"
 #include "machine/debug_run.h"
 #include "machine/name_tables.h"
 #include "machine/stack_cells.h"
@@ -43,7 +45,8 @@ inline bool IsCheckpoint(const Step& step) {
 }
 
 template <bool counted>
-void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunWatch& watch) {
+void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunWatch& watch,
+              Interrupts* interrupts) {
     for (;;) {
         const FastEnd end = fastLoop ? RunFast<counted>(m, watch, r, steps, length, m.stack,
                                                         m.stackCapacity, CheckPosition(watch.NextCheck()))
@@ -53,9 +56,14 @@ void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunW
             Stopped(m, r, steps, StopCause::Cancelled, watch);
             return;
         }
-        if (r.travel + Position(r.next) >= CheckPosition(watch.NextCheck()) &&
-            IsCheckpoint(*r.next) && Stopped(m, r, steps, watch.Check(StepsTaken(r)), watch))
-            return;
+        if (interrupts && interrupts->Pending()) {
+            interrupts->Take();
+            if (Stopped(m, r, steps, watch.Check(0), watch)) return;
+        }
+        if constexpr (counted)
+            if (r.travel + Position(r.next) >= CheckPosition(watch.NextCheck()) &&
+                IsCheckpoint(*r.next) && Stopped(m, r, steps, watch.Check(StepsTaken(r)), watch))
+                return;
         if (!InReserve(m, r) && !GeneralStep(m, r, steps, length, watch)) return;
         if (InReserve(m, r)) {
             const int t = static_cast<int>(r.top - m.stack);
@@ -66,6 +74,33 @@ void RunSteps(CInterpreter& m, Registers& r, const Step* steps, int length, RunW
     }
 }
 
+template <bool counted>
+void RunWatched(CInterpreter& m, Registers& r, const Step* steps, int length, RunWatch& watch,
+                Interrupts* interrupts) {
+    try {
+        RunSteps<counted>(m, r, steps, length, watch, interrupts);
+    } catch (...) {
+        WriteBack(m, r, steps);
+        watch.Finish(StepsTaken(r));
+        throw;
+    }
+    watch.Finish(StepsTaken(r));
+}
+
+// A control without a step budget is served by interrupts, so the loop runs
+// as fast as without one; where no thread can be started, it counts.
+std::unique_ptr<Interrupts> InterruptsFor(const CInterpreter& m, const RunWatch& watch,
+                                          std::vector<Step>& decoded, int length) {
+    if (!m.control || watch.CountsSteps()) return nullptr;
+    try {
+        // Step `length` is OutOfCode, whose handler leaves the loop.
+        return std::make_unique<Interrupts>(decoded, decoded[static_cast<size_t>(length)].handler,
+                                            *m.control);
+    } catch (const std::system_error&) {
+        return nullptr;
+    }
+}
+
 // An exception (memory ran out in a text operation, or a callback let one
 // through) leaves the registers where the step stood, the cells as they were.
 void Run(CInterpreter& m, RunWatch& watch) {
@@ -73,28 +108,26 @@ void Run(CInterpreter& m, RunWatch& watch) {
     std::vector<Step> decoded = Decode(m.code, length);
     const Step* const steps = decoded.data();
     Registers r{};
-    const bool counted = watch.Watched();
-    if (counted)
-        RunFast<true>(m, watch, r, steps, length, m.stack, m.stackCapacity, 0, &decoded);
-    else
-        RunFast<false>(m, watch, r, steps, length, m.stack, m.stackCapacity, 0, &decoded);
+    // The handlers first: interrupts keep each checkpoint's own. A counting
+    // run's handlers are those of the counting loop.
+    RunFast<false>(m, watch, r, steps, length, m.stack, m.stackCapacity, 0, &decoded);
+    std::unique_ptr<Interrupts> interrupts = InterruptsFor(m, watch, decoded, length);
+    const bool counted = m.control && !interrupts;
+    if (counted) RunFast<true>(m, watch, r, steps, length, m.stack, m.stackCapacity, 0, &decoded);
     r.next = steps;
     r.top = m.stack;
     r.b = 1;
-    r.travel = -Position(steps);
     SetFrame(r, m.stack, m.stackCapacity);
+    r.travel = -Position(steps);
     try {
         if (counted)
-            RunSteps<true>(m, r, steps, length, watch);
+            RunWatched<true>(m, r, steps, length, watch, nullptr);
         else
-            RunSteps<false>(m, r, steps, length, watch);
+            RunWatched<false>(m, r, steps, length, watch, interrupts.get());
     } catch (...) {
-        WriteBack(m, r, steps);
-        watch.Finish(StepsTaken(r));
         ThreadTextPool().Clear();
         throw;
     }
-    watch.Finish(StepsTaken(r));
     ThreadTextPool().Clear();
 }
 

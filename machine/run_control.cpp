@@ -32,6 +32,10 @@ RunWatch::RunWatch(CRunControl* runControl) : control(runControl) {
     nextCheck = StepBudget(*control) ? std::min(interval, StepBudget(*control)) : interval;
 }
 
+bool RunWatch::CountsSteps() const {
+    return control && (StepBudget(*control) || control->countSteps);
+}
+
 StopCause RunWatch::Check(int64_t steps) {
     if (!control) return StopCause::None;
     if (StepBudget(*control) && steps >= StepBudget(*control)) return StopCause::StepLimit;
@@ -69,7 +73,7 @@ StopCause RunWatch::CheckCancel() const {
 
 void RunWatch::Finish(int64_t steps) {
     if (!control) return;
-    control->stepsTaken = static_cast<uint64_t>(steps);
+    control->stepsTaken = CountsSteps() ? static_cast<uint64_t>(steps) : 0;
     control->stopCause = stopCause;
 }
 

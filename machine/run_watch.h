@@ -1,7 +1,8 @@
 // The machine's side of a host's run control: when to look next, and whether
-// a look ends the run. The loop counts steps exactly and asks only when the
-// count reaches NextCheck(), at backward jumps and calls; without a control
-// that never happens, so a run without one pays nothing but the comparison.
+// a look ends the run. For a step budget the loop counts steps exactly and
+// asks when the count reaches NextCheck(), at backward jumps and calls; any
+// other control is asked when an interrupt (see Interrupts) is taken there.
+// Without a control the loop neither counts nor asks.
 #pragma once
 
 #include <chrono>
@@ -17,9 +18,12 @@ public:
     explicit RunWatch(CRunControl* control);
 
     static constexpr int64_t never = INT64_MAX;
-    // Whether a host watches the run, so that the steps must be counted.
+    // Whether a host watches the run, so that the machine must look.
     bool Watched() const { return control != nullptr; }
-    // The step count at which the machine must call Check next.
+    // Whether the steps must be counted exactly: for a step budget, or when
+    // the host asks for the count.
+    bool CountsSteps() const;
+    // The step count at which a counting machine must call Check next.
     int64_t NextCheck() const { return nextCheck; }
     // The run has taken `steps` steps, at least NextCheck(). Calls the host's
     // poll when due; returns the cause that ends the run, or None.

@@ -7,6 +7,7 @@
 
 #include "qelkern/environment.h"
 #include "qelkern/runcontrol.h"
+#include "support/test_support.h"
 #include "tests/machine/program_builder.h"
 
 namespace {
@@ -82,12 +83,66 @@ TEST(RunControl, EachLimitEndsAnEndlessLoopWithItsMessage) {
         EXPECT_EQ(pb.ui.ui.events[0].icon, CUserInterface::IconError);
         EXPECT_EQ(pb.machine.failed, 1);
         EXPECT_EQ(control.stopCause, c.cause) << c.message;
-        // INT, then five steps a round; the run stops at the jump back, so
-        // the steps are five for each count in cell 4.
-        EXPECT_EQ(control.stepsTaken, 5 * uint64_t(pb.Cell(4).intValue)) << c.message;
+        // The run stops at the jump back; only a step budget counts: INT,
+        // then five steps a round, so five for each count in cell 4.
         EXPECT_EQ(pb.machine.p, 5) << c.message;
-        if (c.cause == StopCause::StepLimit) { EXPECT_EQ(control.stepsTaken, 100000u); }
+        if (c.cause == StopCause::StepLimit) {
+            EXPECT_EQ(control.stepsTaken, 5 * uint64_t(pb.Cell(4).intValue));
+            EXPECT_EQ(control.stepsTaken, 100000u);
+        } else {
+            EXPECT_EQ(control.stepsTaken, 0u) << c.message;
+        }
     }
+}
+
+// Without a step budget the loop is interrupted from outside at the places
+// where a run can come back to itself: a fused counting loop, and calls in
+// a recursion without any loop.
+TEST(RunControl, ATimeLimitReachesCountingLoopsAndRecursion) {
+    const char* const scripts[] = {
+        "VAR i, x : INTEGER; BEGIN FOR i := 1 TO 2000000000 DO x := x + 1 END END.",
+        "VAR i, n : INTEGER; BEGIN n := 1; FOR i := 1 TO 2000000000 DO n := n - 1 END END.",
+        "PROCEDURE p(n : INTEGER); BEGIN IF n > 0 THEN p(n - 1); p(n - 1) END END;\n"
+        "BEGIN p(60) END.",
+    };
+    for (const char* script : scripts) {
+        CRunControl control;
+        control.timeoutMilliseconds = 30;
+        CRunControl* const previous = pRunControl;
+        pRunControl = &control;
+        ScopedRecordingUi recording;
+        const int result = RunText(script);
+        pRunControl = previous;
+        EXPECT_EQ(result, 0) << script;
+        EXPECT_EQ(recording.ui.Messages(), std::vector<CString>{"Skript abgebrochen: Zeitgrenze erreicht."})
+            << script;
+        EXPECT_EQ(control.stopCause, StopCause::TimeLimit) << script;
+    }
+}
+
+// A poll every millisecond interrupts the run again and again; each time the
+// loop must go on where it stood, with every checkpoint's own handler back.
+// A wrong sum ends in a division by zero.
+TEST(RunControl, InterruptsLeaveTheResultAlone) {
+    const std::string script =
+        "VAR i, s, zero : INTEGER;\n"
+        "FUNCTION f(n : INTEGER) : INTEGER; BEGIN f := n - (n / 7) * 7 END;\n"
+        "BEGIN FOR i := 1 TO 3000000 DO s := s + f(i) END;\n"
+        "  i := 0; WHILE i < 1000000 DO s := s - 1; i := i + 1 END;\n"
+        "  IF s # 7999997 THEN s := 1 / zero END END.";
+    int polls = 0;
+    CRunControl control;
+    control.pollMilliseconds = 1;
+    control.onPoll = [&polls](CRunControl&) { ++polls; };
+    CRunControl* const previous = pRunControl;
+    pRunControl = &control;
+    ScopedRecordingUi recording;
+    const int result = RunText(script);
+    pRunControl = previous;
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(recording.ui.Messages(), std::vector<CString>{});
+    EXPECT_EQ(control.stopCause, StopCause::None);
+    EXPECT_EQ(control.stepsTaken, 0u);  // not asked for
 }
 
 TEST(RunControl, CancelFromAnotherThreadOrACallbackEndsTheRun) {
@@ -111,8 +166,9 @@ TEST(RunControl, CancelFromAnotherThreadOrACallbackEndsTheRun) {
     EXPECT_EQ(control.stopCause, StopCause::Cancelled);
 }
 
-TEST(RunControl, WithoutLimitsTheRunIsUntouchedAndCounted) {
+TEST(RunControl, WithoutLimitsTheRunIsUntouchedAndCountedOnRequest) {
     CRunControl control;
+    control.countSteps = true;
     ProgramBuilder pb;
     pb.machine.control = &control;
     pb.Begin(1).Lit(0).Ins(STO, 0, 3);
