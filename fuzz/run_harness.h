@@ -22,17 +22,37 @@ struct RunOutcome {
     bool showErrors = false;
     int debuggerPauses = 0;
     std::string debuggerBroken;  // what the debugger saw go wrong, if debugged
+    bool timed = false;          // bounded by time and polls instead of steps
 };
+
+// A first byte with bits 6 and 7 set and bit 3 clear bounds the run by
+// time instead of a step budget, with a poll every millisecond, so that the
+// watch thread interrupts the machine wherever it happens to be: a time
+// limit of 5 ms, or with bit 1 a poll that cancels the run at its third call.
+inline bool TimedRun(uint8_t first) { return (first & 0xC8) == 0xC0; }
+
+inline void SetTimedControl(CRunControl& control, bool cancelFromPoll) {
+    control.timeoutMilliseconds = cancelFromPoll ? 0 : 5;
+    control.pollMilliseconds = 1;
+    control.onPoll = [cancelFromPoll, polls = 0](CRunControl& self) mutable {
+        if (cancelFromPoll && ++polls == 3) self.Cancel();
+    };
+}
 
 // The first byte: bit 0 shows errors, bit 1 tightens the step budget, bit 2
 // the memory budget, so that the stops land in many places of a script; bit
-// 3 runs under the debugger, the upper bits choose its steps. The rest is
-// the script; there is no prelude.
+// 3 runs under the debugger, the upper bits choose its steps; without it,
+// bits 6 and 7 make a timed run (TimedRun). The rest is the script; there
+// is no prelude.
 inline RunOutcome RunOne(const uint8_t* data, size_t size) {
     RunOutcome outcome;
     if (size == 0) return outcome;
     CRunControl control;
-    control.maxSteps = (data[0] & 2) != 0 ? 1000 : 100000;
+    outcome.timed = TimedRun(data[0]);
+    if (outcome.timed)
+        SetTimedControl(control, (data[0] & 2) != 0);
+    else
+        control.maxSteps = (data[0] & 2) != 0 ? 1000 : 100000;
     control.maxMemoryBytes = (data[0] & 4) != 0 ? size_t{256} << 10 : size_t{4} << 20;
     HostScope host(&control);
     FuzzDebugger debugger(static_cast<uint8_t>(data[0] >> 4));
@@ -49,9 +69,15 @@ inline RunOutcome RunOne(const uint8_t* data, size_t size) {
     return outcome;
 }
 
+inline bool StoppedBySetLimit(const RunOutcome& run) {
+    const StopCause cause = run.error.cause;
+    if (run.timed) return cause == StopCause::TimeLimit || cause == StopCause::Cancelled;
+    return cause == StopCause::StepLimit;
+}
+
 // What a run must always keep to, whatever the script: empty when it did.
 // A failed run names its cause with a message and shows it when asked to;
-// a run that succeeded records no error; only the step budget may stop it.
+// a run that succeeded records no error; only the limits set may stop it.
 inline std::string BrokenPromise(const RunOutcome& run) {
     const ScriptErrorKind kind = run.error.kind;
     if (!run.debuggerBroken.empty()) return "debugger saw " + run.debuggerBroken;
@@ -60,7 +86,7 @@ inline std::string BrokenPromise(const RunOutcome& run) {
     if (kind == ScriptErrorKind::None || kind == ScriptErrorKind::Warning) return "failure without an error recorded";
     if (run.error.message.IsEmpty()) return "failure without a message";
     if (run.showErrors && run.shown == 0) return "failure shown to nobody";
-    if (kind == ScriptErrorKind::Stopped && run.error.cause != StopCause::StepLimit) return "stopped by an unset limit";
+    if (kind == ScriptErrorKind::Stopped && !StoppedBySetLimit(run)) return "stopped by an unset limit";
     if (run.error.cause != run.stopCause) return "recorded cause differs from the control's";
     return "";
 }

@@ -80,6 +80,8 @@ TEST(FuzzCorpus, RunBudgetsStopEndlessAndGreedyScripts) {
         {"1VAR i : INTEGER; BEGIN FOR i := 1 TO 2000 DO END END.", ScriptErrorKind::None, StopCause::None},
         {"5VAR s : STRING; BEGIN s := \"x\"; LOOP s := s + s END END.", ScriptErrorKind::OutOfMemory,
          StopCause::MemoryLimit},
+        {"\xC1" "BEGIN LOOP END END.", ScriptErrorKind::Stopped, StopCause::TimeLimit},
+        {"\xC3" "BEGIN LOOP END END.", ScriptErrorKind::Stopped, StopCause::Cancelled},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.input);
