@@ -60,8 +60,8 @@ public:
     void Reset() noexcept { cancelRequested.store(false, std::memory_order_relaxed); }
 
     // Count the steps for `stepsTaken` even without a step budget. Counting
-    // costs a run a few per cent; without it the machine only ticks where
-    // control flows backwards or into a routine, which is nearly free.
+    // costs a run a few per cent; without it a time limit, cancel or poll
+    // reaches the machine through interrupts, which cost it nothing.
     bool countSteps = false;
 
     // Filled by the run: the cause that ended it (None for an end by the
