@@ -35,14 +35,10 @@ public:
     // Takes the waiting interrupt: the checkpoints' handlers are restored.
     void Take();
 
-    // The dispatch reads handlers while the watch writes them.
-    static const void* HandlerOf(const Step& step) {
-        return __atomic_load_n(&step.handler, __ATOMIC_RELAXED);
-    }
-
 private:
     void Watch(const CRunControl& control);
     bool Due(const CRunControl& control, std::chrono::steady_clock::time_point start) const;
+    // Write the handlers atomically, as the dispatch reads them.
     void Raise();
     void Restore();
 

@@ -18,8 +18,6 @@ public:
     explicit RunWatch(CRunControl* control);
 
     static constexpr int64_t never = INT64_MAX;
-    // Whether a host watches the run, so that the machine must look.
-    bool Watched() const { return control != nullptr; }
     // Whether the steps must be counted exactly: for a step budget, or when
     // the host asks for the count.
     bool CountsSteps() const;

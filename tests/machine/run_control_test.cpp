@@ -108,11 +108,9 @@ TEST(RunControl, ATimeLimitReachesCountingLoopsAndRecursion) {
     for (const char* script : scripts) {
         CRunControl control;
         control.timeoutMilliseconds = 30;
-        CRunControl* const previous = pRunControl;
-        pRunControl = &control;
+        ScopedRunControl controlled(control);
         ScopedRecordingUi recording;
         const int result = RunText(script);
-        pRunControl = previous;
         EXPECT_EQ(result, 0) << script;
         EXPECT_EQ(recording.ui.Messages(), std::vector<CString>{"Skript abgebrochen: Zeitgrenze erreicht."})
             << script;
@@ -134,11 +132,9 @@ TEST(RunControl, InterruptsLeaveTheResultAlone) {
     CRunControl control;
     control.pollMilliseconds = 1;
     control.onPoll = [&polls](CRunControl&) { ++polls; };
-    CRunControl* const previous = pRunControl;
-    pRunControl = &control;
+    ScopedRunControl controlled(control);
     ScopedRecordingUi recording;
     const int result = RunText(script);
-    pRunControl = previous;
     EXPECT_EQ(result, 1);
     EXPECT_EQ(recording.ui.Messages(), std::vector<CString>{});
     EXPECT_EQ(control.stopCause, StopCause::None);

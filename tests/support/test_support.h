@@ -50,6 +50,18 @@ private:
     CUserInterface* previous;
 };
 
+// Hands `control` to the runs of RunScript while in scope.
+class ScopedRunControl {
+public:
+    explicit ScopedRunControl(CRunControl& control) : previous(pRunControl) { pRunControl = &control; }
+    ~ScopedRunControl() { pRunControl = previous; }
+    ScopedRunControl(const ScopedRunControl&) = delete;
+    ScopedRunControl& operator=(const ScopedRunControl&) = delete;
+
+private:
+    CRunControl* previous;
+};
+
 // A fresh empty directory below the build tree, with its closing '/'.
 std::string MakeTempDir(const std::string& name);
 // Writes bytes to a file as they are.
